@@ -1,0 +1,123 @@
+// AGPVars: the engine's shared session state.
+//
+// One struct holds everything that objects without a reference to the AGP
+// object need: the last error text, the dirty flag, product identity, copies
+// of a few project attributes, folders, settings paths, and the shared
+// singletons, each created on first use by its accessor (Registry(),
+// Keywords(), ...). There is one process-wide instance; tests replace it with
+// a fresh one through ResetAGPVars(). Nothing else in the engine is global.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "core/ref.h"
+#include "core/variant.h"
+
+namespace bw {
+
+class Host;
+class Dispatch;
+
+struct AGPVarsData {
+  AGPVarsData();
+  ~AGPVarsData();
+  AGPVarsData(const AGPVarsData&) = delete;
+  AGPVarsData& operator=(const AGPVarsData&) = delete;
+
+  // Outcome of the last operation: "" means success.
+  std::string ProjErr;
+  bool Dirty = false;
+
+  // Product identity.
+  std::string ProductKey = "Brindlework";
+  std::string ProductName = "Brindlework";
+  std::string ProductVersion;  // major.minor
+  std::string ProjectVersion;
+  std::string TemplateVersion;
+  std::string ProjectFile;
+  std::string ProjectExt = "agx";
+  std::string ConvertType = "ASPX";
+  Variant PlatformName = "ASP.NET";
+  std::string TemplateName;
+
+  // Copies of project attributes, for classes without a reference to AGP.
+  std::string ProgramLanguage;
+  std::string Destination;
+  std::string ProjVar;
+  std::string DBVar;
+  Variant AppCompatVersion;
+  Variant SQLQuote;
+  Variant SecDefault;
+  std::int16_t DefaultDateFormat = 0;
+  std::string DBMSName;
+
+  // Script host settings.
+  std::string ScriptLanguage = "JScript";
+  std::int32_t ScriptEngineTimeout = 0;
+
+  // Synchronization.
+  std::string SyncMode;
+  std::string SyncPrompt;
+  bool SyncKeep = false;
+
+  // Trace text of templates and validation: lines joined by CR LF.
+  std::string Trace;
+
+  // Folders.
+  std::string DocumentsFolder;
+  std::string UserFolder;
+  std::string BackupFolder;
+  std::string ReportFolder;
+  std::string LanguageFolder;
+  std::string AppThemesFolder;
+  std::string AppDataFolder;
+
+  // Status window.
+  std::int32_t ProgressTotal = 0;
+  std::int32_t ProgressDone = 0;
+  std::string StatusTitle;
+
+  // Settings store paths; see BuildSettingsPaths.
+  std::string RegGeneral, RegProject, RegDatabase, RegTable, RegField, RegChart, RegTrendline;
+  std::string RegFilters, RegExtensions, ODBCIni, ODBCInstIni;
+  std::int32_t RegValueType = 0;  // type found by the last ReadSetting
+
+  // System locale, set by GetSystemCharset.
+  std::string CodePage;
+  std::string SystemCharset;
+
+  // Shared singletons. Each module's accessor (Registry(), Keywords(),
+  // Settings(), FileCache()) creates its object here on first use and casts
+  // it back, so that this struct need not know the classes.
+  Ref<Dispatch> Registry;
+  Ref<Dispatch> Keywords;
+  Ref<Dispatch> Settings;
+  Ref<Dispatch> FileCache;
+
+  // The program that drives the engine. Never null.
+  std::shared_ptr<Host> host;
+};
+
+AGPVarsData& AGPVars();
+
+// Replaces the shared state with a fresh instance (used by tests and by
+// hosts that want a clean engine).
+void ResetAGPVars();
+
+// The settings root: "Software\<product key>\<version>\Settings".
+std::string SettingsRoot();
+
+// Fills the Reg* paths from the product key and version.
+void BuildSettingsPaths(AGPVarsData& vars);
+
+// "Brindlework: text" style messages: the product name followed by `text`,
+// which starts with ": ".
+std::string ProductMessage(std::string_view text);
+
+// The product key with blanks and "/" removed, as used for folders and the
+// root elements of side files.
+std::string ProductKeyWord();
+
+}  // namespace bw

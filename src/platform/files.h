@@ -1,0 +1,47 @@
+// Files and folders at the boundary between engine paths and the file system.
+//
+// The engine builds paths with a backslash; nativePath turns every "\" into
+// "/" where a path meets the file system. Texts shown to users keep the path
+// the engine built.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace bw::files {
+
+std::filesystem::path nativePath(std::string_view enginePath);
+
+bool fileExists(std::string_view path);
+bool folderExists(std::string_view path);
+
+// Creates a folder with all missing parents; true if it exists afterwards.
+bool createFolders(std::string_view path);
+
+// The whole file as bytes; nullopt if it cannot be read.
+std::optional<std::string> readFile(std::string_view path);
+
+// Template and script text: a UTF-8 byte order mark is dropped; any other
+// content is taken as UTF-8 as it stands (the platform's 8-bit text mode).
+// A file that cannot be read gives "".
+std::string readTextFile(std::string_view path);
+
+// Writes the bytes to a temporary file beside `path`, flushes it to disk and
+// renames it into place, so that readers see either the old file or the new
+// one, never a part. On failure `error` (if given) says why.
+bool writeFileAtomic(std::string_view path, std::string_view bytes, std::string* error = nullptr);
+
+// The user's documents folder: $BRINDLEWORK_DOCUMENTS, else the XDG
+// documents folder, else $HOME/Documents.
+std::string documentsFolder();
+
+// The installed data folder, share/brindlework: $BRINDLEWORK_SHARE, else
+// <folder of the executable>/../share/brindlework, else the install prefix.
+std::string shareFolder();
+
+// Joins engine path parts with a backslash.
+std::string joinPath(std::string_view folder, std::string_view name);
+
+}  // namespace bw::files

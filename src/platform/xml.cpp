@@ -1,0 +1,39 @@
+#include "platform/xml.h"
+
+#include "platform/files.h"
+
+namespace bw::xml {
+
+LoadResult loadText(pugi::xml_document& doc, std::string_view text) {
+  pugi::xml_parse_result r = doc.load_buffer(text.data(), text.size(),
+                                             pugi::parse_default | pugi::parse_declaration,
+                                             pugi::encoding_auto);
+  LoadResult result;
+  result.ok = static_cast<bool>(r) && doc.document_element();
+  if (!r) {
+    result.reason = r.description();
+    result.offset = r.offset;
+  } else if (!doc.document_element()) {
+    result.reason = "No document element found";
+  }
+  return result;
+}
+
+LoadResult loadFile(pugi::xml_document& doc, std::string_view path) {
+  auto bytes = files::readFile(path);
+  if (!bytes) {
+    doc.reset();
+    LoadResult result;
+    result.reason = "The system cannot locate the object specified.";
+    return result;
+  }
+  return loadText(doc, *bytes);
+}
+
+std::string_view localName(const pugi::xml_node& node) {
+  std::string_view name = node.name();
+  auto colon = name.find(':');
+  return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+}  // namespace bw::xml

@@ -1,0 +1,24 @@
+// XML documents over pugixml.
+#pragma once
+
+#include <pugixml.hpp>
+#include <string>
+#include <string_view>
+
+namespace bw::xml {
+
+struct LoadResult {
+  bool ok = false;
+  std::string reason;     // the parser's description, or why the file could not be read
+  std::ptrdiff_t offset = -1;  // byte offset of a parse error, -1 otherwise
+  explicit operator bool() const { return ok; }
+};
+
+// Loads a file (with or without a UTF-8 byte order mark) into `doc`.
+LoadResult loadFile(pugi::xml_document& doc, std::string_view path);
+LoadResult loadText(pugi::xml_document& doc, std::string_view text);
+
+// The element name without a namespace prefix.
+std::string_view localName(const pugi::xml_node& node);
+
+}  // namespace bw::xml
