@@ -1,1 +1,57 @@
-int main() { return 0; }
+// brindlework: the command-line host of the engine. It parses options and
+// calls the library; all the work happens there.
+#include <cstring>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <memory>
+
+#include "cli/cli_host.h"
+#include "cli/commands.h"
+#include "core/agp_vars.h"
+
+namespace {
+
+using bw::cli::Arguments;
+
+struct Command {
+  const char* usage;
+  std::function<int(const Arguments&)> run;
+};
+
+const std::map<std::string, Command>& commands() {
+  static const std::map<std::string, Command> table{
+      {"settings",
+       {"settings list [SECTION] | get SECTION NAME | set SECTION NAME VALUE [--type text|number]"
+        " [--machine]",
+        bw::cli::settingsCommand}},
+  };
+  return table;
+}
+
+void printUsage(std::ostream& out) {
+  out << "usage: brindlework --version\n";
+  for (const auto& [name, command] : commands()) out << "       brindlework " << command.usage << '\n';
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  bw::AGPVars().host = std::make_shared<bw::cli::CliHost>();
+  if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")) {
+    printUsage(argc < 2 ? std::cerr : std::cout);
+    return argc < 2 ? 2 : 0;
+  }
+  if (!std::strcmp(argv[1], "--version")) {
+    std::cout << "brindlework " << BRINDLEWORK_VERSION_MAJOR << '.' << BRINDLEWORK_VERSION_MINOR
+              << '.' << BRINDLEWORK_VERSION_PATCH << '\n';
+    return 0;
+  }
+  auto it = commands().find(argv[1]);
+  if (it == commands().end()) {
+    std::cerr << "brindlework: unknown command '" << argv[1] << "'\n";
+    printUsage(std::cerr);
+    return 2;
+  }
+  return it->second.run(Arguments(argv + 2, argv + argc));
+}
