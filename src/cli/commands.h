@@ -9,6 +9,5 @@ namespace bw::cli {
 
 using Arguments = std::vector<std::string>;
 
-int settingsCommand(const Arguments& args);
 
 }  // namespace bw::cli

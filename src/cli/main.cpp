@@ -21,10 +21,6 @@ struct Command {
 
 const std::map<std::string, Command>& commands() {
   static const std::map<std::string, Command> table{
-      {"settings",
-       {"settings list [SECTION] | get SECTION NAME | set SECTION NAME VALUE [--type text|number]"
-        " [--machine]",
-        bw::cli::settingsCommand}},
   };
   return table;
 }
