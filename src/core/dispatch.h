@@ -262,6 +262,14 @@ struct SetterTraits<void (C::*)(P...)> {
   }
 };
 
+template <typename F>
+struct FieldTraits;
+template <typename C, typename T>
+struct FieldTraits<T C::*> {
+  using Class = C;
+  using Type = T;
+};
+
 }  // namespace automation
 
 // A method: a function in scripts, whatever its arguments.
@@ -292,6 +300,21 @@ Member property(std::string name) {
     automation::SetterTraits<decltype(Setter)>::template call<Setter>(self, args, value);
   };
   return m;
+}
+
+// A plain data member exposed as a read and write property.
+template <auto Field>
+Member field(std::string name) {
+  return Member{std::move(name), Member::Kind::Property, 0, 0,
+                [](Dispatch& self, const Member&, Args) {
+                  using Traits = automation::FieldTraits<decltype(Field)>;
+                  return automation::toVariant(static_cast<typename Traits::Class&>(self).*Field);
+                },
+                [](Dispatch& self, const Member&, Args, const Variant& value) {
+                  using Traits = automation::FieldTraits<decltype(Field)>;
+                  static_cast<typename Traits::Class&>(self).*Field =
+                      automation::fromVariant<typename Traits::Type>(value);
+                }};
 }
 
 // Marks a member as the default one of its object (`coll(1)` is `coll.Item(1)`).

@@ -1,0 +1,239 @@
+#include "core/agp.h"
+
+#include <pugixml.hpp>
+
+#include "core/agp_vars.h"
+#include "core/names.h"
+#include "core/project_attributes.h"
+#include "core/registry.h"
+#include "persistence/machine_defaults.h"
+#include "platform/files.h"
+#include "platform/guid.h"
+#include "platform/hash.h"
+#include "platform/text.h"
+#include "platform/xml.h"
+#include "template/settings_file.h"
+
+namespace bw {
+
+// Construction. The interface language needs no setting here: the engine's
+// messages are English on every platform.
+AGP::AGP() : properties_(make<AGProperties>(ProjectLayout())) {
+  AGPVarsData& vars = AGPVars();
+  setAttr("ProjID", newGuid());
+
+  appVersion_ = std::to_string(BRINDLEWORK_VERSION_MAJOR) + "." +
+                std::to_string(BRINDLEWORK_VERSION_MINOR) + "." +
+                std::to_string(BRINDLEWORK_VERSION_PATCH);
+  vars.ProductVersion = appVersion_.substr(0, appVersion_.rfind('.'));
+  vars.ProjectVersion = vars.ProductVersion;
+  vars.TemplateVersion = vars.ProductVersion;
+  vars.ProjectFile.clear();
+
+  vars.ScriptLanguage = "JScript";
+  vars.PlatformName = "ASP.NET";
+  vars.ProjectExt = "agx";
+  vars.ConvertType = "ASPX";
+  vars.ProductKey = "Brindlework";
+  vars.ProductName = "Brindlework";
+
+  setAttr("defaultDateFormat", Variant(std::int16_t{5}));
+  BuildSettingsPaths(vars);
+
+  // A user hive without LanguageFolder belongs to a user's first run.
+  if (ReadSetting("HKCU", vars.RegGeneral, "LanguageFolder").toText().empty())
+    CopyMachineDefaults();
+
+  const std::string templatePath = ReadSetting("HKCU", vars.RegProject, "Template").toText();
+  if (auto slash = templatePath.rfind('\\'); slash != std::string::npos)
+    vars.TemplateName = templatePath.substr(slash + 1);
+
+  LoadDefault();
+  makeUserFolders();
+  vars.Dirty = false;
+
+  const std::string engine = ReadSetting("HKCU", vars.RegGeneral, "ScriptEngine").toText();
+  if (!engine.empty()) vars.ScriptLanguage = engine;
+
+  loadThemeDefaults();
+  templateExt_ = "tpl";
+}
+
+void AGP::makeUserFolders() {
+  AGPVarsData& vars = AGPVars();
+  vars.DocumentsFolder = files::documentsFolder();
+  vars.UserFolder = files::joinPath(vars.DocumentsFolder, ProductKeyWord());
+  vars.BackupFolder = vars.UserFolder + "\\Backup";
+  vars.ReportFolder = vars.UserFolder + "\\Report";
+  for (const std::string* folder : {&vars.UserFolder, &vars.BackupFolder, &vars.ReportFolder})
+    files::createFolders(*folder);
+}
+
+// Theme defaults: the style values of bootstrap.xml, then those of the
+// project's theme, which override them. A file that does not load is
+// skipped: themes are optional.
+void AGP::loadThemeDefaults() {
+  const std::string folder = ReadSetting("HKCU", AGPVars().RegGeneral, "ThemeFolder").toText();
+  applyThemeFile(files::joinPath(folder, "bootstrap.xml"));
+  const std::string theme = attrText("ApplicationTheme");
+  if (!theme.empty()) applyThemeFile(files::joinPath(folder, text::toLower(theme) + ".xml"));
+}
+
+void AGP::applyThemeFile(const std::string& path) {
+  pugi::xml_document doc;
+  if (!xml::loadFile(doc, path)) return;
+  for (pugi::xml_node node : doc.document_element().children()) {
+    if (node.type() != pugi::node_element || text::toLower(node.name()) != "style") continue;
+    SetV(node.attribute("id").value(), Variant(node.attribute("value").value()));
+  }
+}
+
+void AGP::AddProj(const std::string& projectName) {
+  setProjName(projectName);
+  LoadDefault();
+  projInit_ = true;
+}
+
+void AGP::DeleteProj() {
+  properties_->reset(ProjectLayout());
+  projInit_ = false;
+}
+
+Variant AGP::GetV(const std::string& name) {
+  if (auto slot = properties_->find(name))
+    return ConvertSetting(properties_->valueAt(*slot), properties_->defAt(*slot).dataType);
+  Variant fallback = Settings().LoadSettingValue("Project", name);
+  if (fallback.isEmpty() || fallback.isNull()) return Variant("");
+  properties_->add(AttributeDef{name, Settings().LoadSettingType("Project", name)});
+  properties_->setValueAt(properties_->size() - 1, fallback);
+  return fallback;
+}
+
+Variant AGP::SetV(const std::string& name, const Variant& value) {
+  if (auto slot = properties_->find(name)) {
+    properties_->setValueAt(*slot, ConvertSetting(value, properties_->defAt(*slot).dataType));
+  } else {
+    properties_->add(AttributeDef{name, Settings().LoadSettingType("Project", name)});
+    properties_->setValueAt(properties_->size() - 1, value);
+  }
+  return Variant();
+}
+
+Variant AGP::typedAttr(std::string_view name) {
+  std::size_t slot = properties_->ensure(name);
+  return CoerceOrZero(properties_->valueAt(slot), properties_->kindAt(slot));
+}
+
+void AGP::setProjName(const std::string& name) {
+  setAttr("ProjName", Variant(name));
+  const std::string var = MakeVarName(name, "");
+  setAttr("ProjVar", Variant(var));
+  AGPVars().ProjVar = var;
+}
+
+// Reserved words differ by language, so a loaded database's variable names
+// are rebuilt when the language changes; that arrives with the definition
+// model.
+void AGP::setProgramLanguage(const std::string& language) {
+  setAttr("ProgramLanguage", Variant(language));
+  AGPVars().ProgramLanguage = language;
+}
+
+void AGP::setAppCompatVersion(const Variant& value) {
+  Variant converted = CoerceOrZero(value, DataKind::Integer);
+  setAttr("AppCompatVersion", converted);
+  AGPVars().AppCompatVersion = converted;
+}
+
+void AGP::setDestination(const std::string& folder) {
+  setAttr("Destination", Variant(folder));
+  AGPVars().Destination = folder;
+}
+
+std::string AGP::SecPasswdEncript() {
+  const std::string password = attrText("SecPasswd");
+  const std::string format = text::toLower(attrText("PasswordFormat"));
+  if (format == "sha1") return hash::sha1Hex(password);
+  if (format == "md5") return hash::md5Hex(password);
+  return password;
+}
+
+Variant AGP::ReadRegValue(const Variant& sClass, const Variant& sSection, const Variant& sKey) {
+  const bool machine = text::iequals(sClass.toText(), "hklm");
+  return ReadSetting(Variant(machine ? "HKLM" : "HKCU"), sSection, sKey);
+}
+
+void AGP::AddTrace(const std::string& line) {
+  std::string& trace = AGPVars().Trace;
+  if (!trace.empty()) trace += text::kCrLf;
+  trace += line;
+}
+
+bool AGP::IsDirty() const { return AGPVars().Dirty; }
+std::string AGP::ProjErr() const { return AGPVars().ProjErr; }
+void AGP::setProjErr(const std::string& text) { AGPVars().ProjErr = text; }
+std::string AGP::FldSrchOprs(std::int16_t adoType) const { return bw::FldSrchOprs(adoType); }
+
+// ---------------------------------------------------------------------------
+// Members. The attributes of the project table become properties of their
+// own name and type; the members written out here come first and win.
+
+namespace {
+
+Variant readAttribute(Dispatch& self, const Member& m, Args) {
+  return static_cast<AGP&>(self).typedAttr(m.name);
+}
+
+// A typed property takes a value of its type, as a typed parameter would.
+void writeAttribute(Dispatch& self, const Member& m, Args, const Variant& value) {
+  const auto kind = static_cast<DataKind>(m.data);
+  Variant converted = kind == DataKind::String ? Variant(value.toText()) : ConvertValue(value, kind);
+  if (converted.isEmpty() && !value.isEmpty()) raiseBasicError(basic_error::kTypeMismatch);
+  static_cast<AGP&>(self).setAttr(m.name, std::move(converted));
+}
+
+Member attributeMember(const AttributeDef& def, bool writable) {
+  Member m{def.name, Member::Kind::Property, 0, 0, readAttribute, writable ? writeAttribute : nullptr};
+  m.data = static_cast<std::intptr_t>(def.kind());
+  return m;
+}
+
+MemberTable buildMembers() {
+  MemberTable table{
+      property<&AGP::ProjInit>("ProjInit"),
+      property<&AGP::Properties>("Properties"),
+      method<&AGP::GetV>("GetV"),
+      method<&AGP::SetV>("SetV"),
+      method<&AGP::AddProj>("AddProj"),
+      method<&AGP::DeleteProj>("DeleteProj"),
+      method<&AGP::LoadDefault>("LoadDefault"),
+      method<&AGP::SaveDefault>("SaveDefault"),
+      method<&AGP::ReadRegValue>("ReadRegValue"),
+      method<&AGP::AddTrace>("AddTrace"),
+      method<&AGP::IsDirty>("IsDirty"),
+      method<&AGP::FldSrchOprs>("FldSrchOprs"),
+      property<&AGP::ProjErr, &AGP::setProjErr>("ProjErr"),
+      property<&AGP::hwnd, &AGP::setHwnd>("hwnd"),
+      property<&AGP::ProjName, &AGP::setProjName>("ProjName"),
+      property<&AGP::ProgramLanguage, &AGP::setProgramLanguage>("ProgramLanguage"),
+      property<&AGP::AppCompatVersion, &AGP::setAppCompatVersion>("AppCompatVersion"),
+      property<&AGP::Destination, &AGP::setDestination>("Destination"),
+      property<&AGP::SecPasswdEncript>("SecPasswdEncript"),
+  };
+  const PropertyLayout& layout = *ProjectLayout();
+  for (std::size_t slot = 0; slot < layout.size(); ++slot) {
+    const AttributeDef& def = layout.def(slot);
+    const bool readOnly = def.name == "ProjVar" || def.name == "SyncLog";
+    table.add(attributeMember(def, !readOnly));
+  }
+  return table;
+}
+
+}  // namespace
+
+const MemberTable& AGP::members() const {
+  static const MemberTable table = buildMembers();
+  return table;
+}
+
+}  // namespace bw

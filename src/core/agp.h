@@ -1,0 +1,96 @@
+// AGP: one open project, and the door into the engine.
+//
+// A host creates an AGP, then AddProj or Load, edits through properties and
+// collections, saves and generates. Operations never throw towards the host:
+// they leave their reason in ProjErr ("" is success).
+//
+// Every attribute of the project table is also a property of AGP, of the
+// same name and type (`PROJ.MultiLanguage`, `PROJ.RecPerPage = 20`): the
+// member table carries one generated entry per attribute, next to the
+// members written out below. C++ callers use attr()/setAttr() or the typed
+// readers instead of one function per attribute.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/dispatch.h"
+#include "core/properties.h"
+
+namespace bw {
+
+class AGP : public Dispatch {
+ public:
+  AGP();
+
+  // Project life cycle.
+  void AddProj(const std::string& projectName);
+  void DeleteProj();
+  bool ProjInit() const { return projInit_; }
+
+  // Attribute access by name, falling back on the custom setting file.
+  Variant GetV(const std::string& name);
+  Variant SetV(const std::string& name, const Variant& value);
+
+  // Attributes whose writes do more than store the value.
+  std::string ProjName() { return attrText("ProjName"); }
+  void setProjName(const std::string& name);
+  std::string ProgramLanguage() { return attrText("ProgramLanguage"); }
+  void setProgramLanguage(const std::string& language);
+  Variant AppCompatVersion() { return typedAttr("AppCompatVersion"); }
+  void setAppCompatVersion(const Variant& value);
+  std::string Destination() { return attrText("Destination"); }
+  void setDestination(const std::string& folder);
+  std::string SecPasswdEncript();
+
+  // Defaults in the settings store.
+  void LoadDefault();
+  void SaveDefault();
+
+  // Settings store read for hosts: `sClass` "hklm" in any case is the
+  // machine hive, anything else the user hive.
+  Variant ReadRegValue(const Variant& sClass, const Variant& sSection, const Variant& sKey);
+  void AddTrace(const std::string& text);
+  bool IsDirty() const;
+  std::string ProjErr() const;
+  void setProjErr(const std::string& text);
+  std::int32_t hwnd() const { return hwnd_; }
+  void setHwnd(std::int32_t v) { hwnd_ = v; }
+  Ref<AGProperties> Properties() const { return properties_; }
+  std::string FldSrchOprs(std::int16_t adoType) const;
+
+  // Values of AGP itself, read from the settings store by LoadDefault.
+  const std::string& AppVersion() const { return appVersion_; }
+  const std::string& TemplateExt() const { return templateExt_; }
+  bool BackupFile() const { return backupFile_; }
+  const std::string& UserCode() const { return userCode_; }
+  std::int16_t UnloadThresholdCount() const { return unloadThresholdCount_; }
+
+  // Attribute values for C++ callers. attr() reads the stored value as it
+  // is; typedAttr() converts it to the attribute's declared type, as the
+  // generated properties do; setAttr() writes like Properties.Item().Value.
+  const Variant& attr(std::string_view name) { return properties_->value(name); }
+  Variant typedAttr(std::string_view name);
+  std::string attrText(std::string_view name) { return attr(name).toText(); }
+  void setAttr(std::string_view name, Variant value) { properties_->setValue(name, std::move(value)); }
+
+  const MemberTable& members() const override;
+  std::string_view typeName() const override { return "AGP"; }
+
+ private:
+  void loadThemeDefaults();
+  void applyThemeFile(const std::string& path);
+  void makeUserFolders();
+
+  Ref<AGProperties> properties_;
+  bool projInit_ = false;
+  std::int32_t hwnd_ = 0;
+  std::string appVersion_;
+  std::string templateExt_;
+  bool backupFile_ = false;
+  std::string userCode_;
+  std::int16_t unloadThresholdCount_ = 20;
+};
+
+}  // namespace bw

@@ -1,0 +1,20 @@
+// Attribute bags to and from the attributes of an XML element.
+//
+// Every attribute of the element is kept: one the bag does not know is
+// added as text, so attributes written by a newer release survive a load
+// and a save. Booleans are written as "1" and "0"; the lines of
+// FldTagValues are joined with "|" in the file.
+#pragma once
+
+#include <pugixml.hpp>
+
+#include "core/properties.h"
+
+namespace bw {
+
+// `isProjectRoot`: the element is the file's root `Project`, whose unknown
+// attributes take their type from the custom setting file.
+void LoadBagFromElement(AGProperties& bag, const pugi::xml_node& element, bool isProjectRoot);
+void WriteBagToElement(const AGProperties& bag, pugi::xml_node element);
+
+}  // namespace bw
