@@ -10,7 +10,7 @@ namespace bw {
 
 void raiseCollectionError(std::int32_t number) {
   using namespace collection_error;
-  const char* description = "Undifined error";  // kUndefined, spelled as scripts have seen it
+  const char* description = "Undifined error";  // kUndefined; the spelling is part of the interface
   switch (number) {
     case kAlreadyInitialized:
       description = "Collection already initialized";
