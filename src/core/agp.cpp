@@ -50,13 +50,15 @@ AGP::AGP() : properties_(make<AGProperties>(ProjectLayout())) {
 
   LoadDefault();
   makeUserFolders();
-  vars.Dirty = false;
 
   const std::string engine = ReadSetting("HKCU", vars.RegGeneral, "ScriptEngine").toText();
   if (!engine.empty()) vars.ScriptLanguage = engine;
 
   loadThemeDefaults();
   templateExt_ = "tpl";
+  // Nothing the user did has changed yet: the values above are the starting
+  // point, theme styles included.
+  vars.Dirty = false;
 }
 
 void AGP::makeUserFolders() {

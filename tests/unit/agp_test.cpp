@@ -160,9 +160,9 @@ TEST_F(AGPTest, SecPasswdEncriptHashesByPasswordFormat) {
 }
 
 TEST_F(AGPTest, ReadRegValueSelectsTheMachineHiveWithoutRegardToCase) {
+  auto proj = make<AGP>();  // first: a first run copies machine values over the user's
   WriteSetting("HKLM", AGPVars().RegGeneral, "Where", 1, "machine");
   WriteSetting("HKCU", AGPVars().RegGeneral, "Where", 1, "user");
-  auto proj = make<AGP>();
   EXPECT_EQ(proj->ReadRegValue("HKLM", AGPVars().RegGeneral, "Where").toText(), "machine");
   EXPECT_EQ(proj->ReadRegValue("hklm", AGPVars().RegGeneral, "Where").toText(), "machine");
   EXPECT_EQ(proj->ReadRegValue("X", AGPVars().RegGeneral, "Where").toText(), "user");

@@ -48,7 +48,7 @@ TEST_F(BagXmlTest, UnknownAttributesSurviveALoadAndASave) {
   EXPECT_TRUE(bag->value("FldReq").sameAs(Variant(true)));
   EXPECT_EQ(written(*bag),
             "<Field FldName=\"ID\" FldReq=\"1\" FldSize=\"\" FldTagValues=\"\" JS=\"\" "
-            "FldFuture=\"42\" />");
+            "FldFuture=\"42\"/>");
 }
 
 TEST_F(BagXmlTest, TagValuesLinesAreJoinedWithABarInTheFile) {

@@ -54,7 +54,7 @@ TEST(CaptionFromName, SplitsWordsAtSeparatorsAndCamelCase) {
   EXPECT_EQ(CaptionFromName("OrderID"), "Order ID");
   EXPECT_EQ(CaptionFromName("first_name"), "first name");
   EXPECT_EQ(CaptionFromName("  unit-price__usd "), "unit price usd");
-  EXPECT_EQ(CaptionFromName("ShipVia2"), "Ship Via2");
+  EXPECT_EQ(CaptionFromName("ShipVia2"), "Ship Via 2");
   EXPECT_EQ(CaptionFromName("Price(USD)"), "Price (USD)");
   EXPECT_EQ(CaptionFromName("ABC"), "ABC");
   EXPECT_EQ(CaptionFromName("CategoryName"), "Category Name");

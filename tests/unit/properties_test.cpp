@@ -82,7 +82,7 @@ TEST_F(PropertiesTest, BagsShareTheirLayoutUntilOneOfThemChangesIt) {
   auto a = newBag();
   auto b = newBag();
   a->setValue("Extra", Variant("x"));
-  b->setValue("EXTRA", Variant("y"));
+  b->setValue("Extra", Variant("y"));
   EXPECT_EQ(a->layout(), b->layout()) << "same additions share one derived layout";
 
   a->Item(Variant("FldReq"))->setDataType("String");
