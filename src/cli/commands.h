@@ -9,5 +9,6 @@ namespace bw::cli {
 
 using Arguments = std::vector<std::string>;
 
+int settingsCommand(const Arguments& args);  // list, get and set settings of the store
 
 }  // namespace bw::cli

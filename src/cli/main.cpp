@@ -21,6 +21,7 @@ struct Command {
 
 const std::map<std::string, Command>& commands() {
   static const std::map<std::string, Command> table{
+      {"settings", {"settings list|get|set ... (settings --help)", bw::cli::settingsCommand}},
   };
   return table;
 }
