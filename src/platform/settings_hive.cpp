@@ -107,9 +107,12 @@ Key& Key::make(std::string_view path) {
 
 Hive::Hive(std::string file) : file_(std::move(file)) {}
 
-std::optional<Hive::Stamp> Hive::stampOf(const std::string& file) {
+std::optional<Hive::Stamp> Hive::stampOf(const std::string& file, int* error) {
   struct stat info {};
-  if (::stat(files::nativePath(file).c_str(), &info) != 0) return std::nullopt;
+  if (::stat(files::nativePath(file).c_str(), &info) != 0) {
+    if (error) *error = errno;
+    return std::nullopt;
+  }
   return Stamp{info.st_dev, info.st_ino, info.st_size,
                std::int64_t{info.st_mtim.tv_sec} * 1'000'000'000 + info.st_mtim.tv_nsec};
 }
@@ -126,10 +129,11 @@ void Hive::load() {
   status_ = HiveStatus{};
   status_.file = file_;
   loaded_ = true;
-  stamp_ = stampOf(file_);
+  int error = 0;
+  stamp_ = stampOf(file_, &error);
   if (!stamp_) {
-    if (errno != ENOENT)
-      status_ = HiveStatus::failure(file_, std::string("cannot read: ") + std::strerror(errno));
+    if (error != ENOENT)
+      status_ = HiveStatus::failure(file_, std::string("cannot read: ") + std::strerror(error));
     return;
   }
   std::optional<std::string> text = files::readFile(file_);

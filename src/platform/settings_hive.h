@@ -231,7 +231,9 @@ class Hive {
     bool operator==(const Stamp&) const = default;
   };
 
-  static std::optional<Stamp> stampOf(const std::string& file);
+  // The stamp of the file; none when it cannot be seen, with the reason in
+  // `error` (ENOENT for a missing file).
+  static std::optional<Stamp> stampOf(const std::string& file, int* error = nullptr);
   void refresh();
   void load();
   template <typename Change>
