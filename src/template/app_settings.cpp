@@ -26,6 +26,17 @@ std::string attributeNoCase(const pugi::xml_node& node, std::string_view name) {
   return {};
 }
 
+Ref<AGPAppSetting> makeSetting(std::string id, std::string name, std::string type,
+                               std::string values, std::string defaultValue) {
+  auto setting = make<AGPAppSetting>();
+  setting->AppSettingID = std::move(id);
+  setting->AppSettingName = std::move(name);
+  setting->AppSettingType = std::move(type);
+  setting->AppSettingValues = std::move(values);
+  setting->AppSettingDefaultValue = std::move(defaultValue);
+  return setting;
+}
+
 }  // namespace
 
 bool AGPAppSettings::LoadAppSettings(const Variant& file) {
@@ -43,13 +54,9 @@ bool AGPAppSettings::LoadAppSettings(const Variant& file) {
   }
   for (pugi::xml_node node : root.children()) {
     if (node.type() != pugi::node_element || text::toLower(node.name()) != "appsetting") continue;
-    auto setting = make<AGPAppSetting>();
-    setting->AppSettingID = attributeNoCase(node, "id");
-    setting->AppSettingName = attributeNoCase(node, "name");
-    setting->AppSettingType = attributeNoCase(node, "type");
-    setting->AppSettingValues = attributeNoCase(node, "values");
-    setting->AppSettingDefaultValue = attributeNoCase(node, "defaultvalue");
-    items_.push_back(setting);
+    items_.push_back(makeSetting(attributeNoCase(node, "id"), attributeNoCase(node, "name"),
+                                 attributeNoCase(node, "type"), attributeNoCase(node, "values"),
+                                 attributeNoCase(node, "defaultvalue")));
   }
   return true;
 }
@@ -64,13 +71,7 @@ bool AGPAppSettings::AddSetting(const std::string& id, const std::string& name,
                                 const std::string& type, const std::string& values,
                                 const std::string& defaultValue) {
   if (SettingExist(id)) return false;
-  auto setting = make<AGPAppSetting>();
-  setting->AppSettingID = id;
-  setting->AppSettingName = name;
-  setting->AppSettingType = type;
-  setting->AppSettingValues = values;
-  setting->AppSettingDefaultValue = defaultValue;
-  items_.push_back(setting);
+  items_.push_back(makeSetting(id, name, type, values, defaultValue));
   return true;
 }
 
