@@ -61,6 +61,9 @@ void AGProperties::reset(Ref<const PropertyLayout> layout) {
 bool AGProperties::add(AttributeDef def) {
   if (def.name.empty() || find(def.name)) return false;
   layout_ = layout_->withAdded(def);
+  // A bag gains few attributes after registration; doubling the vector for
+  // one of them would double the memory of every bag.
+  if (values_.size() == values_.capacity()) values_.reserve(values_.size() + 4);
   values_.emplace_back();
   return true;
 }
