@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(
   g++ make cmake ninja-build pkg-config
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  libpugixml-dev libicu-dev libssl-dev
+  libpugixml-dev libicu-dev libssl-dev duktape-dev
 )
 
 missing=()

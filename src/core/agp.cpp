@@ -6,9 +6,9 @@
 #include "core/names.h"
 #include "core/project_attributes.h"
 #include "core/registry.h"
+#include "core/status.h"
 #include "persistence/machine_defaults.h"
 #include "platform/files.h"
-#include "platform/guid.h"
 #include "platform/hash.h"
 #include "platform/text.h"
 #include "platform/xml.h"
@@ -20,7 +20,7 @@ namespace bw {
 // messages are English on every platform.
 AGP::AGP() : properties_(make<AGProperties>(ProjectLayout())) {
   AGPVarsData& vars = AGPVars();
-  setAttr("ProjID", newGuid());
+  setAttr("ProjID", Status().GetGUID());
 
   appVersion_ = std::to_string(BRINDLEWORK_VERSION_MAJOR) + "." +
                 std::to_string(BRINDLEWORK_VERSION_MINOR) + "." +

@@ -2,6 +2,7 @@
 
 #include "core/dispatch.h"
 #include "platform/host.h"
+#include "platform/progress_sink.h"
 
 namespace bw {
 namespace {
@@ -21,7 +22,8 @@ AGPVarsData::AGPVarsData()
     : ProductVersion(versionText()),
       ProjectVersion(ProductVersion),
       TemplateVersion(ProductVersion),
-      host(std::make_shared<RecordingHost>()) {
+      host(std::make_shared<RecordingHost>()),
+      progress(std::make_shared<SilentProgressSink>()) {
   BuildSettingsPaths(*this);
 }
 

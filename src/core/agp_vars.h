@@ -19,6 +19,7 @@ namespace bw {
 
 class Host;
 class Dispatch;
+class ProgressSink;
 
 struct AGPVarsData {
   AGPVarsData();
@@ -95,9 +96,28 @@ struct AGPVarsData {
   Ref<Dispatch> Keywords;
   Ref<Dispatch> Settings;
   Ref<Dispatch> FileCache;
+  Ref<Dispatch> Status;
 
-  // The program that drives the engine. Never null.
+  // Script hosts and the template cache; null outside the work they serve.
+  // Script serves a generation run and GenCheck, ParseScriptHost serves
+  // AGP::ParseScript. Their owners set and drop them.
+  Ref<Dispatch> Script;
+  Ref<Dispatch> ParseScriptHost;
+  Ref<Dispatch> Cache;
+
+  // Template folders of the run.
+  std::string TemplateBaseFolder;     // <user folder>\Templates\<template name>
+  std::string TemplateFolder;         // the unpacked template
+  std::string CurrentTemplateFolder;  // the template's or an extension's folder
+  std::string CacheFolder;            // composed functions and cache.xml
+
+  // Why the last load of a control file failed: 1 not loadable, 2 not a
+  // control file of this product, 3 wrong version.
+  std::int16_t ExtensionLoadError = 0;
+
+  // The program that drives the engine, and where status goes. Never null.
   std::shared_ptr<Host> host;
+  std::shared_ptr<ProgressSink> progress;
 };
 
 AGPVarsData& AGPVars();
