@@ -10,5 +10,7 @@ namespace bw::cli {
 using Arguments = std::vector<std::string>;
 
 int settingsCommand(const Arguments& args);  // list, get and set settings of the store
+int parseCommand(const Arguments& args);     // run template text through ParseScript
+int scriptCommand(const Arguments& args);    // run a JScript automation script
 
 }  // namespace bw::cli

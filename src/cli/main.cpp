@@ -8,6 +8,7 @@
 
 #include "cli/cli_host.h"
 #include "cli/commands.h"
+#include "cli/terminal_progress.h"
 #include "core/agp_vars.h"
 
 namespace {
@@ -35,6 +36,7 @@ void printUsage(std::ostream& out) {
 
 int main(int argc, char** argv) {
   bw::AGPVars().host = std::make_shared<bw::cli::CliHost>();
+  bw::AGPVars().progress = std::make_shared<bw::cli::TerminalProgress>();
   if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")) {
     printUsage(argc < 2 ? std::cerr : std::cout);
     return argc < 2 ? 2 : 0;

@@ -12,6 +12,7 @@
 #include "platform/hash.h"
 #include "platform/text.h"
 #include "platform/xml.h"
+#include "template/composition.h"
 #include "template/settings_file.h"
 
 namespace bw {
@@ -22,9 +23,7 @@ AGP::AGP() : properties_(make<AGProperties>(ProjectLayout())) {
   AGPVarsData& vars = AGPVars();
   setAttr("ProjID", Status().GetGUID());
 
-  appVersion_ = std::to_string(BRINDLEWORK_VERSION_MAJOR) + "." +
-                std::to_string(BRINDLEWORK_VERSION_MINOR) + "." +
-                std::to_string(BRINDLEWORK_VERSION_PATCH);
+  appVersion_ = AppVersionText();
   vars.ProductVersion = appVersion_.substr(0, appVersion_.rfind('.'));
   vars.ProjectVersion = vars.ProductVersion;
   vars.TemplateVersion = vars.ProductVersion;
@@ -60,6 +59,8 @@ AGP::AGP() : properties_(make<AGProperties>(ProjectLayout())) {
   // point, theme styles included.
   vars.Dirty = false;
 }
+
+AGP::~AGP() = default;
 
 void AGP::makeUserFolders() {
   AGPVarsData& vars = AGPVars();

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -20,9 +21,12 @@
 
 namespace bw {
 
+class Composer;
+
 class AGP : public Dispatch {
  public:
   AGP();
+  ~AGP() override;
 
   // Project life cycle.
   void AddProj(const std::string& projectName);
@@ -60,6 +64,14 @@ class AGP : public Dispatch {
   Ref<AGProperties> Properties() const { return properties_; }
   std::string FldSrchOprs(std::int16_t adoType) const;
 
+  // Runs a string of template language outside generation and gives back
+  // its output; on failure the string itself, with ProjErr set and the
+  // details in parseerror.txt of the output folder.
+  std::string ParseScript(const std::string& str);
+
+  // The composition state, in the project's script language.
+  Composer& composer();
+
   // Values of AGP itself, read from the settings store by LoadDefault.
   const std::string& AppVersion() const { return appVersion_; }
   const std::string& TemplateExt() const { return templateExt_; }
@@ -84,6 +96,7 @@ class AGP : public Dispatch {
   void makeUserFolders();
 
   Ref<AGProperties> properties_;
+  std::unique_ptr<Composer> composer_;
   bool projInit_ = false;
   std::int32_t hwnd_ = 0;
   std::string appVersion_;

@@ -38,6 +38,10 @@ void ResetAGPVars() {
   std::swap(instance(), fresh);
 }
 
+std::string AppVersionText() {
+  return versionText() + "." + std::to_string(BRINDLEWORK_VERSION_PATCH);
+}
+
 std::string ProductKeyWord() {
   std::string out;
   for (char c : AGPVars().ProductKey)

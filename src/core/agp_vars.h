@@ -136,6 +136,9 @@ void BuildSettingsPaths(AGPVarsData& vars);
 // which starts with ": ".
 std::string ProductMessage(std::string_view text);
 
+// The library's version, major.minor.revision ("12.0.4").
+std::string AppVersionText();
+
 // The product key with blanks and "/" removed, as used for folders and the
 // root elements of side files.
 std::string ProductKeyWord();

@@ -77,9 +77,12 @@ Ref<T> make(Args&&... args) {
   return Ref<T>(new T(std::forward<Args>(args)...));
 }
 
-// A reference to an object that is known to be alive, such as `this`.
+// A further reference to an object that references already own, such as
+// `this` inside a member. An object that no Ref owns would be deleted when
+// this reference goes.
 template <typename T>
 Ref<T> refTo(T* p) {
+  assert(p && p->refCount() > 0 && "refTo needs an object that a Ref already owns");
   return Ref<T>(p);
 }
 

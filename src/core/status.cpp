@@ -63,16 +63,23 @@ std::string AGPStatus::GetGUID() { return newGuid(); }
 
 std::string SystemCodeFolder() { return files::joinPath(files::shareFolder(), "syscode"); }
 
-// The system code of a code is the shared part, common.js, followed by the
-// code's own file: "C#.js", "VB.js", "VL.js". Codes are cut or padded to two
-// characters; a missing file gives nothing.
+std::string SystemCodePrelude() {
+  return files::readTextFile(files::joinPath(SystemCodeFolder(), "prelude.js"));
+}
+
+// The system code of a code is the shared part, common.js, the code's own
+// file ("C#.js", "VB.js") and the prelude; the validation modules ("VL")
+// are VL.js alone. Codes are cut or padded to two characters; a code
+// without a file gives nothing.
 Variant AGPStatus::GetSysCode(const Variant& codeIn) {
   std::string code = codeIn.toText();
   code.resize(2, ' ');
   const std::string folder = SystemCodeFolder();
   std::string text = files::readTextFile(files::joinPath(folder, code + ".js"));
   if (text.empty()) return Variant("");
-  if (code != "VL") text = files::readTextFile(files::joinPath(folder, "common.js")) + text;
+  if (code != "VL")
+    text = files::readTextFile(files::joinPath(folder, "common.js")) + "\r\n" + text + "\r\n" +
+           SystemCodePrelude();
   text = text.substr(0, text.find('\0'));
   if (text.size() > kMaxSystemCode) text.resize(kMaxSystemCode);
   return Variant(text);

@@ -56,4 +56,7 @@ AGPStatus& Status();
 // The folder of the shipped system code files.
 std::string SystemCodeFolder();
 
+// The fixed text that ends all system code (prelude.js of that folder).
+std::string SystemCodePrelude();
+
 }  // namespace bw

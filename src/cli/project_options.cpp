@@ -1,0 +1,32 @@
+#include "cli/project_options.h"
+
+#include <iostream>
+
+#include "core/agp_vars.h"
+
+namespace bw::cli {
+
+std::optional<std::string> takeOption(Arguments& args, const std::string& name) {
+  for (std::size_t k = 0; k < args.size(); ++k) {
+    if (args[k] != name) continue;
+    if (k + 1 == args.size()) throw BadUsage{name + " needs a value"};
+    std::string value = args[k + 1];
+    args.erase(args.begin() + static_cast<std::ptrdiff_t>(k),
+               args.begin() + static_cast<std::ptrdiff_t>(k + 2));
+    return value;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> takeProjectOption(Arguments& args) { return takeOption(args, "--project"); }
+
+Ref<AGP> openProject(const std::optional<std::string>& projectFile) {
+  auto project = make<AGP>();
+  if (projectFile) {
+    std::cerr << "brindlework: --project: this build cannot open project files yet\n";
+    return {};
+  }
+  return project;
+}
+
+}  // namespace bw::cli
