@@ -1,0 +1,13 @@
+#include "template/activex.h"
+
+#include "platform/text.h"
+#include "template/dictionary.h"
+
+namespace bw {
+
+Ref<Dispatch> CreateActiveXObject(std::string_view progId) {
+  if (text::iequals(progId, "Scripting.Dictionary")) return make<Dictionary>();
+  return {};
+}
+
+}  // namespace bw
