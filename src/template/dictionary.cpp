@@ -33,10 +33,10 @@ KeyFamily familyOf(const Variant& key) {
   }
 }
 
-// Numbers and dates by value; -0 and 0 are one key.
+// Numbers and dates by value (std::hash<double> agrees with ==, so 0 and -0
+// are one key).
 double numberOf(const Variant& key) {
-  const double value = key.type() == VarType::Date ? key.dbl() : key.toDouble().value_or(0);
-  return value == 0 ? 0.0 : value;
+  return key.type() == VarType::Date ? key.dbl() : key.toDouble().value_or(0);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "template/file_system_object.h"
 
+#include <cstdio>
 #include <random>
 
 #include "platform/files.h"
@@ -83,9 +84,8 @@ std::string FileSystemObject::GetAbsolutePathName(const std::string& path) const
 }
 
 std::string FileSystemObject::GetTempName() const {
-  static std::mt19937 random{std::random_device{}()};
   char name[16];
-  std::snprintf(name, sizeof name, "rad%05X.tmp", static_cast<unsigned>(random() & 0xFFFFF));
+  std::snprintf(name, sizeof name, "rad%05X.tmp", std::random_device{}() & 0xFFFFFu);
   return name;
 }
 

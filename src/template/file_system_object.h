@@ -40,8 +40,8 @@ class FileSystemObject : public Dispatch {
 
   Ref<File> GetFile(const std::string& path) const;
   Ref<Folder> GetFolder(const std::string& path) const;
-  // 2 is the temporary folder; the others name Windows folders that do not
-  // exist here (5).
+  // 2 is the temporary folder; 0 and 1 name system folders that this
+  // platform does not have (5).
   Ref<Folder> GetSpecialFolder(std::int32_t which) const;
 
   std::string GetFileName(const std::string& path) const {
