@@ -52,18 +52,25 @@ Ref<TextStream> TextStream::open(const fs::path& path, IOMode mode, bool create,
 
   if (mode == IOMode::ForReading) {
     if (!exists) createEmptyFile(path);
-    std::optional<std::string> bytes = files::readFile(path.string());
-    if (!bytes) raiseScriptingError(kPermissionDenied);
-    if (text::startsWith(*bytes, kByteOrderMark)) bytes->erase(0, kByteOrderMark.size());
-    return Ref<TextStream>(new TextStream(std::move(*bytes)));
+    return openForReading(path);
   }
-
   if (exists && file_ops::isReadOnly(status)) raiseScriptingError(kPermissionDenied);
-  const bool append = mode == IOMode::ForAppending;
+  return openForWriting(path, mode == IOMode::ForAppending, unicode);
+}
+
+Ref<TextStream> TextStream::openForReading(const fs::path& path) {
+  std::optional<std::string> bytes = files::readFile(path.string());
+  if (!bytes) raiseScriptingError(kPermissionDenied);
+  if (text::startsWith(*bytes, kByteOrderMark)) bytes->erase(0, kByteOrderMark.size());
+  return Ref<TextStream>(new TextStream(std::move(*bytes)));
+}
+
+Ref<TextStream> TextStream::openForWriting(const fs::path& path, bool append, bool unicode) {
+  std::error_code ec;
+  // Appending to text that is there already must not put a mark in its middle.
+  const bool startsEmpty = !append || fs::file_size(path, ec) == 0 || ec;
   std::ofstream output(path, std::ios::binary | (append ? std::ios::app : std::ios::trunc));
   if (!output) raiseScriptingError(kPermissionDenied);
-  // Appending to text that is there already must not put a mark in its middle.
-  const bool startsEmpty = !append || !exists || fs::file_size(path, ec) == 0;
   return Ref<TextStream>(new TextStream(std::move(output), unicode && startsEmpty));
 }
 

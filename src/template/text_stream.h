@@ -64,6 +64,9 @@ class TextStream : public Dispatch {
   std::string_view typeName() const override { return "TextStream"; }
 
  private:
+  static Ref<TextStream> openForReading(const std::filesystem::path& path);
+  static Ref<TextStream> openForWriting(const std::filesystem::path& path, bool append,
+                                        bool unicode);
   explicit TextStream(std::string content);
   TextStream(std::ofstream output, bool startWithMark);
 
