@@ -184,12 +184,14 @@ std::vector<std::string> DuktapeEngine::procedures() const {
 }
 
 bool DuktapeEngine::execute(duk_safe_call_function body, duk_idx_t nargs) {
+  bool timedOut = false;
   {
     duk::DeadlineScope deadline(*heap_, timeout_);
     if (duk_safe_call(heap_->context(), body, nullptr, nargs, 1) == DUK_EXEC_SUCCESS) return true;
+    timedOut = deadline.reached();
   }
   fail(Phase::Runtime);
-  if (heap_->timedOut()) {
+  if (timedOut) {
     error_.number = script_error::kTimeout;
     error_.description = "Script execution timed out after " + std::to_string(timeout_) + " ms";
   }

@@ -87,17 +87,14 @@ void DukHeap::forget(const Dispatch* object, void* target) {
   exposed_.erase(it);
 }
 
-void DukHeap::armDeadline(std::int32_t milliseconds) {
-  timedOut_ = false;
-  if (milliseconds > 0)
-    deadline_ = Clock::now() + std::chrono::milliseconds(milliseconds);
-  else
-    deadline_.reset();
+DukHeap::Deadline DukHeap::Deadline::after(std::int32_t milliseconds) {
+  if (milliseconds <= 0) return {};
+  return {std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds)};
 }
 
 bool DukHeap::pastDeadline() {
-  if (!deadline_ || Clock::now() < *deadline_) return false;
-  timedOut_ = true;
+  if (!deadline_.at || std::chrono::steady_clock::now() < *deadline_.at) return false;
+  deadline_.reached = true;
   return true;
 }
 

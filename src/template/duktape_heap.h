@@ -30,6 +30,7 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 #include "core/dispatch.h"
 #include "duktape.h"
@@ -77,42 +78,48 @@ class DukHeap {
 
   const std::shared_ptr<ScriptValues>& scriptValues() const { return scriptValues_; }
 
-  // The deadline of one addCode or run; `milliseconds` <= 0 sets none.
-  void armDeadline(std::int32_t milliseconds);
-  void disarmDeadline() { deadline_.reset(); }
+  // The deadline of the running addCode or run. A member that scripts call
+  // may run code in the same engine; the inner call has its own deadline
+  // and the outer one applies again afterwards (see DeadlineScope).
+  struct Deadline {
+    std::optional<std::chrono::steady_clock::time_point> at;
+    bool reached = false;
+
+    // None for `milliseconds` <= 0.
+    static Deadline after(std::int32_t milliseconds);
+  };
+  Deadline exchangeDeadline(Deadline next) { return std::exchange(deadline_, next); }
+  bool deadlineReached() const { return deadline_.reached; }
   // Asked by the executor every few thousand instructions.
   bool pastDeadline();
-  // Whether the last armed deadline was reached.
-  bool timedOut() const { return timedOut_; }
 
  private:
   struct Exposed {
     Ref<Dispatch> object;
     void* target;  // borrowed; valid until the target's finalizer forgets it
   };
-  using Clock = std::chrono::steady_clock;
-
   duk_context* ctx_ = nullptr;
   std::array<void*, static_cast<std::size_t>(Slot::Count)> slots_{};
   std::unordered_map<const Dispatch*, Exposed> exposed_;
   std::shared_ptr<ScriptValues> scriptValues_;
-  std::optional<Clock::time_point> deadline_;
-  bool timedOut_ = false;
+  Deadline deadline_;
 };
 
-// Arms the heap's deadline for one call and disarms it on the way out, so
-// that the adapter's own work after a time-out runs without one.
+// The deadline of one call, from construction to destruction; the adapter's
+// own work after a time-out then runs without one.
 class DeadlineScope {
  public:
-  DeadlineScope(DukHeap& heap, std::int32_t milliseconds) : heap_(heap) {
-    heap_.armDeadline(milliseconds);
-  }
-  ~DeadlineScope() { heap_.disarmDeadline(); }
+  DeadlineScope(DukHeap& heap, std::int32_t milliseconds)
+      : heap_(heap), outer_(heap.exchangeDeadline(DukHeap::Deadline::after(milliseconds))) {}
+  ~DeadlineScope() { heap_.exchangeDeadline(outer_); }
   DeadlineScope(const DeadlineScope&) = delete;
   DeadlineScope& operator=(const DeadlineScope&) = delete;
 
+  bool reached() const { return heap_.deadlineReached(); }
+
  private:
   DukHeap& heap_;
+  DukHeap::Deadline outer_;
 };
 
 // Restores the value stack to its height at construction.

@@ -150,10 +150,11 @@ std::vector<Variant> valuesAt(duk_context* ctx, duk_idx_t first, duk_idx_t count
 // ScriptValues and ScriptObject
 
 std::uint32_t ScriptValues::hold(duk_context* ctx, duk_idx_t idx) {
+  idx = duk_normalize_index(ctx, idx);
   const std::uint32_t id = nextId_++;
   /* [ ... ] -> [ ... table value ] -> [ ... ] */
   duk_push_heapptr(ctx, table_);
-  duk_dup(ctx, idx < 0 ? idx - 1 : idx);
+  duk_dup(ctx, idx);
   duk_put_prop_index(ctx, -2, id);
   duk_pop(ctx);
   return id;

@@ -63,6 +63,28 @@ class Thing : public Dispatch {
   Ref<Thing> child_;
 };
 
+// Runs a procedure in the engine that calls it, as the script host's own
+// members may.
+class Reentry : public Dispatch {
+ public:
+  explicit Reentry(ScriptEngine& engine) : engine_(engine) {}
+
+  Variant Run(const std::string& procedure) {
+    Variant result;
+    engine_.run(procedure, {}, result);
+    return result;
+  }
+
+  const MemberTable& members() const override {
+    static const MemberTable table{method<&Reentry::Run>("Run")};
+    return table;
+  }
+  std::string_view typeName() const override { return "Reentry"; }
+
+ private:
+  ScriptEngine& engine_;
+};
+
 std::string describe(const ScriptError& e) {
   return e.source + " " + std::to_string(e.number) + " line " + std::to_string(e.line) + ": " +
          e.description;
@@ -241,15 +263,22 @@ TEST_F(ScriptEngineTest, UnreachableObjectsAreReleasedByTheCollector) {
 }
 
 TEST_F(ScriptEngineTest, AttributesReadThroughTheBag) {
-  auto bag = make<AGProperties>(PropertyLayout::create({AttributeDef{"Caption"}}));
+  auto bag = make<AGProperties>(
+      PropertyLayout::create({AttributeDef{"Caption"}, AttributeDef{"Width", "Long"}}));
   bag->setValue("Caption", Variant("Orders"));
+  bag->setValue("Width", Variant(120));
   engine->addObject("BAG", bag);
   EXPECT_EQ(eval("BAG.Item('caption').Value").toText(), "Orders");
   EXPECT_EQ(eval("'<' + BAG.Item('Caption') + '>'").toText(), "<Orders>")
       << "an attribute reads as its default value";
   EXPECT_TRUE(eval("BAG('Caption') == 'Orders'").boolean());
-  EXPECT_EQ(eval("BAG.Count()").lng(), 1);
+  EXPECT_EQ(eval("BAG.Count()").lng(), 2);
   EXPECT_EQ(eval("String(BAG)").toText(), "[object AGProperties]");
+  EXPECT_EQ(eval("(function () { var out = []; for (var e = new Enumerator(BAG); !e.atEnd();"
+                 " e.moveNext()) out.push(e.item().Name + '=' + e.item().Value); return out; })()"
+                 ".join(';')")
+                .toText(),
+            "Caption=Orders;Width=120");
 }
 
 // ---------------------------------------------------------------------------
@@ -401,6 +430,20 @@ TEST_F(ScriptEngineTest, AnEndlessLoopStopsAtTheDeadlineAndTheHeapGoesOn) {
   EXPECT_EQ(engine->error().number, script_error::kTimeout);
   engine->setTimeout(0);
   add("for (var k = 0; k < 1000; k++) {}");
+}
+
+TEST_F(ScriptEngineTest, ANestedRunLeavesTheOuterDeadlineInForce) {
+  engine->setTimeout(100);
+  engine->addObject("HOST", make<Reentry>(*engine));
+  add("function inner() { return 'inner'; }\n"
+      "function outer() {\n"
+      "  var got = HOST.Run('inner');\n"
+      "  for (var k = 0; k < 1e9; k++) {}\n"
+      "  return got;\n"
+      "}");
+  const ScriptError e = failure("outer");
+  EXPECT_EQ(e.number, script_error::kTimeout) << describe(e);
+  EXPECT_EQ(e.line, 4);
 }
 
 TEST_F(ScriptEngineTest, ResetDropsCodeGlobalsAndObjects) {
