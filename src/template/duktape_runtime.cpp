@@ -90,7 +90,7 @@ constexpr std::string_view kPrelude = R"js(function (natives) {
     try {
       if (thrown instanceof Error) {
         var number = thrown.number;
-        return [String(thrown.name), typeof number === "number" ? number : null,
+        return [String(thrown.name), typeof number === "number" ? number | 0 : null,
                 String(thrown.description), thrown.lineNumber | 0];
       }
       return ["", null, String(thrown), 0];

@@ -13,11 +13,15 @@ namespace {
 // Arrays that contain themselves would otherwise recurse without end.
 constexpr int kMaxArrayNesting = 64;
 constexpr std::int32_t kOutOfStackSpace = 28;
+// Value stack slots that converting one value takes at most (a Date's
+// helper call); reserved for each level of nested arrays.
+constexpr duk_idx_t kSlotsPerValue = 8;
 
 Variant valueAt(duk_context* ctx, duk_idx_t idx, int depth);
 
 void pushArray(duk_context* ctx, const std::vector<Variant>& items) {
   /* [ ... ] -> [ ... array ] */
+  duk_require_stack(ctx, kSlotsPerValue);
   duk_push_array(ctx);
   for (std::size_t k = 0; k < items.size(); ++k) {
     pushValue(ctx, items[k]);
@@ -54,6 +58,7 @@ Variant stringValue(duk_context* ctx, duk_idx_t idx) {
 
 Variant arrayValue(duk_context* ctx, duk_idx_t idx, int depth) {
   if (depth >= kMaxArrayNesting) throw AutomationError(kOutOfStackSpace, "Out of stack space");
+  duk_require_stack(ctx, kSlotsPerValue);
   const auto length = static_cast<duk_uarridx_t>(duk_get_length(ctx, idx));
   std::vector<Variant> items;
   items.reserve(length);

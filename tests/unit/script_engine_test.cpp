@@ -144,6 +144,14 @@ TEST_F(ScriptEngineTest, ResultsOfEveryTypeCrossAsVariants) {
   EXPECT_TRUE(array.items()[2].items()[0].boolean());
 }
 
+TEST_F(ScriptEngineTest, AnArrayThatContainsItselfDoesNotCross) {
+  add("function loop() { var a = [1]; a.push(a); return a; }");
+  Variant result;
+  EXPECT_FALSE(engine->run("loop", {}, result));
+  EXPECT_EQ(engine->error().number, 28);
+  EXPECT_EQ(engine->error().description, "Out of stack space");
+}
+
 TEST_F(ScriptEngineTest, ArgumentsArriveAsScriptValues) {
   add("function types() {\n"
       "  var out = [];\n"
