@@ -1,11 +1,14 @@
 #include "template/duktape_engine.h"
 
+#include <algorithm>
+#include <charconv>
 #include <exception>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/text.h"
 #include "template/duktape_heap.h"
 #include "template/duktape_runtime.h"
 #include "template/duktape_values.h"
@@ -32,12 +35,31 @@ std::int32_t numberOfKind(std::string_view errorName) {
   return script_error::kUncaught;
 }
 
-// The compiler ends its messages with " (line N)" or " (line N, end of
-// input)"; the line is reported on its own.
-std::string_view withoutLineSuffix(std::string_view message) {
+// Where the compiler found a syntax error. Our build has it end its messages
+// with " (line N, offset B)" or " (line N, end of input, offset B)", B being
+// the byte offset of the token in the code.
+struct SyntaxErrorPlace {
+  std::string_view description;  // the message without that suffix
+  std::int32_t line = 0;
+  std::int32_t column = 0;  // in characters, 1-based; 0 if unknown
+};
+
+SyntaxErrorPlace syntaxErrorPlace(std::string_view message, std::string_view code) {
+  SyntaxErrorPlace place{message};
   const std::size_t suffix = message.rfind(" (line ");
-  if (suffix == std::string_view::npos || !message.ends_with(')')) return message;
-  return message.substr(0, suffix);
+  if (suffix == std::string_view::npos || !message.ends_with(')')) return place;
+  place.description = message.substr(0, suffix);
+  std::string_view rest = message.substr(suffix + 7);
+  std::from_chars(rest.data(), rest.data() + rest.size(), place.line);
+  const std::size_t offsetAt = rest.rfind("offset ");
+  if (offsetAt == std::string_view::npos) return place;
+  std::size_t offset = 0;
+  std::from_chars(rest.data() + offsetAt + 7, rest.data() + rest.size(), offset);
+  offset = std::min(offset, code.size());
+  const std::size_t lineStart = code.rfind('\n', offset == 0 ? 0 : offset - 1);
+  const std::size_t from = lineStart == std::string_view::npos || offset == 0 ? 0 : lineStart + 1;
+  place.column = static_cast<std::int32_t>(text::countChars(code.substr(from, offset - from))) + 1;
+  return place;
 }
 
 // Line `line` (1-based) of `code`, without its line end.
@@ -52,7 +74,6 @@ std::string sourceLine(std::string_view code, std::int32_t line) {
   if (text.ends_with('\r')) text.remove_suffix(1);
   return std::string(text);
 }
-
 // Protected bodies. They run C only, no C++ objects, as Duktape may longjmp
 // out of them.
 
@@ -201,15 +222,22 @@ bool DuktapeEngine::execute(duk_safe_call_function body, duk_idx_t nargs) {
 bool DuktapeEngine::fail(Phase phase, std::string_view code) {
   /* [ ... thrown ] -> [ ... thrown ] */
   const duk::ThrownValue thrown = duk::describeThrown(heap_->context(), -1);
-  const bool compilation = phase == Phase::Compilation;
   error_ = ScriptError{
-      .source = compilation ? kCompilationSource : kRuntimeSource,
+      .source = kRuntimeSource,
       .number = thrown.number.value_or(numberOfKind(thrown.name)),
       .line = thrown.line,
       .column = 0,
-      .description = std::string(withoutLineSuffix(thrown.description)),
-      .text = compilation ? sourceLine(code, thrown.line) : std::string(),
+      .description = thrown.description,
+      .text = {},
   };
+  if (phase == Phase::Compilation) {
+    const SyntaxErrorPlace place = syntaxErrorPlace(thrown.description, code);
+    error_.source = kCompilationSource;
+    error_.line = place.line;
+    error_.column = place.column;
+    error_.description = place.description;
+    error_.text = sourceLine(code, place.line);
+  }
   return false;
 }
 

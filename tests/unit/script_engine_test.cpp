@@ -347,10 +347,15 @@ TEST_F(ScriptEngineTest, SyntaxErrorsTellLineAndText) {
   EXPECT_EQ(e.source, "JScript compilation error");
   EXPECT_EQ(e.number, script_error::kSyntax);
   EXPECT_EQ(e.line, 2);
-  EXPECT_EQ(e.column, 0);
+  EXPECT_EQ(e.column, 9);
   EXPECT_EQ(e.text, "var b = ;");
   EXPECT_EQ(e.description.find("(line"), std::string::npos) << e.description;
   EXPECT_FALSE(e.description.empty());
+
+  // The column counts characters, not bytes.
+  EXPECT_FALSE(engine->addCode("var s = \"\u00e9\u00e9\" + ;"));
+  EXPECT_EQ(engine->error().line, 1);
+  EXPECT_EQ(engine->error().column, 16);
 }
 
 TEST_F(ScriptEngineTest, RuntimeErrorsTellKindLineAndDescription) {
