@@ -23,6 +23,8 @@ struct Command {
 const std::map<std::string, Command>& commands() {
   static const std::map<std::string, Command> table{
       {"settings", {"settings list|get|set ... (settings --help)", bw::cli::settingsCommand}},
+      {"parse", {"parse [--project P] (--file F | TEXT)", bw::cli::parseCommand}},
+      {"script", {"script FILE.js [--project P]", bw::cli::scriptCommand}},
   };
   return table;
 }

@@ -222,6 +222,7 @@ MemberTable buildMembers() {
       property<&AGP::AppCompatVersion, &AGP::setAppCompatVersion>("AppCompatVersion"),
       property<&AGP::Destination, &AGP::setDestination>("Destination"),
       property<&AGP::SecPasswdEncript>("SecPasswdEncript"),
+      method<&AGP::ParseScript>("ParseScript"),
   };
   const PropertyLayout& layout = *ProjectLayout();
   for (std::size_t slot = 0; slot < layout.size(); ++slot) {

@@ -1,0 +1,65 @@
+// AGP::ParseScript: the shortest road from a string of template language
+// through composition and the script host back to a string.
+#include "core/agp.h"
+#include "core/agp_vars.h"
+#include "core/registry.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "template/composition.h"
+#include "template/script_host.h"
+
+namespace bw {
+namespace {
+
+void writeParseError(const std::string& textOut) {
+  const std::string& destination = AGPVars().Destination;
+  if (destination.empty()) return;  // no output folder to put the report in
+  AGScript::ScriptWriteFile(files::joinPath(destination, "parseerror.txt"), textOut);
+}
+
+}  // namespace
+
+Composer& AGP::composer() {
+  if (!composer_ || composer_->language() != AGPVars().ScriptLanguage)
+    composer_ = std::make_unique<Composer>(AGPVars().ScriptLanguage);
+  return *composer_;
+}
+
+std::string AGP::ParseScript(const std::string& str) {
+  AGPVarsData& vars = AGPVars();
+  const bool ownsHost = !vars.ParseScriptHost;
+  if (ownsHost) {
+    auto host = make<AGScript>();
+    vars.ParseScriptHost = host;
+    host->Initialize(refTo(this), {}, {}, {}, {}, {}, attr("ProgramLanguage"), {}, {});
+    if (!host->IsInitialized()) {
+      writeParseError("Script object not initialised" + std::string(text::kCrLf) + str);
+      vars.ParseScriptHost = {};
+      return str;
+    }
+  }
+  AGScript& host = *ParseScriptHost();
+
+  Composer& compose = composer();
+  compose.reset();
+  compose.composeBlocks(str);
+  if (!vars.ProjErr.empty()) {
+    writeParseError("Parse script error: " + vars.ProjErr + std::string(text::kCrLf) + str);
+    if (ownsHost) vars.ParseScriptHost = {};
+    return str;
+  }
+  const std::string code = compose.functionText("ztExParse", FunctionForm::ParseScript, false);
+  const std::int32_t timeout =
+      ReadSetting("HKCU", vars.RegGeneral, "ScriptEngineTimeout").toLong().value_or(0);
+  std::string result = host.BuildNewCode("ztExParse", code, 0, timeout);
+  if (!vars.ProjErr.empty())
+    writeParseError("Parse script run error: " + vars.ProjErr + std::string(text::kCrLf) + code +
+                    std::string(text::kCrLf) + result);
+  if (ownsHost) {
+    host.Reset();
+    vars.ParseScriptHost = {};
+  }
+  return result;
+}
+
+}  // namespace bw
