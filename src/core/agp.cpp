@@ -13,13 +13,15 @@
 #include "platform/text.h"
 #include "platform/xml.h"
 #include "template/composition.h"
+#include "template/controls.h"
 #include "template/settings_file.h"
 
 namespace bw {
 
 // Construction. The interface language needs no setting here: the engine's
 // messages are English on every platform.
-AGP::AGP() : properties_(make<AGProperties>(ProjectLayout())) {
+AGP::AGP()
+    : properties_(make<AGProperties>(ProjectLayout())), controlList_(make<AGPControls>()) {
   AGPVarsData& vars = AGPVars();
   setAttr("ProjID", Status().GetGUID());
 
@@ -205,6 +207,7 @@ MemberTable buildMembers() {
   MemberTable table{
       property<&AGP::ProjInit>("ProjInit"),
       property<&AGP::Properties>("Properties"),
+      property<&AGP::ControlList>("ControlList"),
       method<&AGP::GetV>("GetV"),
       method<&AGP::SetV>("SetV"),
       method<&AGP::AddProj>("AddProj"),

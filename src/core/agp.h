@@ -18,6 +18,7 @@
 
 #include "core/dispatch.h"
 #include "core/properties.h"
+#include "template/controls.h"
 
 namespace bw {
 
@@ -72,6 +73,26 @@ class AGP : public Dispatch {
   // The composition state, in the project's script language.
   Composer& composer();
 
+  // The controls of the loaded template.
+  Ref<AGPControls> ControlList() const { return controlList_; }
+
+  // Steps of a generation run between the control file and the script host.
+  // A failure leaves ProjErr set; those marked "stops" raise GenerationError.
+  //
+  // True when `cond` holds for the project, the current control and the
+  // generation run's script host.
+  bool EvalCondition(const std::string& cond);
+  // The name of the control's composed function: ztEx_<cs|vb>_<id><tag>.
+  std::string ControlFunctionId(const AGPControl& ctrl);
+  // The template file of a control; several comma-separated files are
+  // joined into the cache folder's ~tmp.tpl first.
+  std::string ControlSourcePath(const std::string& ifiles, const std::string& ext);
+  // Composes the control into one function and writes it to `sOutFile`.
+  // Stops on a missing template or a template error.
+  void ComposeControl(AGPControl& ctrl, const std::string& sOutFile);
+  // Adds the files of the active `function` controls to the run's host.
+  void LoadTemplateScripts();
+
   // Values of AGP itself, read from the settings store by LoadDefault.
   const std::string& AppVersion() const { return appVersion_; }
   const std::string& TemplateExt() const { return templateExt_; }
@@ -97,6 +118,7 @@ class AGP : public Dispatch {
 
   Ref<AGProperties> properties_;
   std::unique_ptr<Composer> composer_;
+  Ref<AGPControls> controlList_;
   bool projInit_ = false;
   std::int32_t hwnd_ = 0;
   std::string appVersion_;

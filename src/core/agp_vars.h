@@ -110,6 +110,7 @@ struct AGPVarsData {
   std::string TemplateFolder;         // the unpacked template
   std::string CurrentTemplateFolder;  // the template's or an extension's folder
   std::string CacheFolder;            // composed functions and cache.xml
+  std::string ExtensionsFolder;       // the unpacked extensions, one folder each
 
   // Why the last load of a control file failed: 1 not loadable, 2 not a
   // control file of this product, 3 wrong version.

@@ -1,6 +1,7 @@
 #include "template/composition.h"
 
 #include "core/agp_vars.h"
+#include "core/status.h"
 #include "platform/text.h"
 #include "template/parser.h"
 
@@ -199,6 +200,7 @@ void Composer::composeBlocks(std::string_view source) {
   const ScriptTokens& t = *tokens_;
   const std::string quote = t.jscript ? "\\\"" : "\"\"";
   for (std::int32_t id = 1; id <= parser.Count(); ++id) {
+    Status().Refresh();  // a long template must not freeze the status display
     parser.setBlockID(id);
     switch (parser.BlockType()) {
       case block_type::kCode:

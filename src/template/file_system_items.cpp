@@ -5,6 +5,7 @@
 
 #include <ctime>
 
+#include "platform/clock.h"
 #include "platform/text.h"
 #include "template/list_enumerator.h"
 #include "template/script_paths.h"
@@ -16,12 +17,7 @@ using file_ops::EntryKind;
 
 namespace {
 
-Variant localDate(std::time_t seconds) {
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  return Variant::date(makeDate({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                                 local.tm_hour, local.tm_min, local.tm_sec}));
-}
+Variant localDate(std::time_t seconds) { return Variant::date(clock::localDate(seconds)); }
 
 // Sizes beyond a Long come back as a Double, as scripts can hold them.
 Variant sizeVariant(std::uintmax_t bytes) {
