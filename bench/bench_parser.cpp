@@ -1,52 +1,19 @@
 // Throughput of the template block parser on a large synthetic template.
 //
-// The template mixes what real ones hold: HTML lines, output blocks inside
-// attributes and cells, code blocks on their own lines, indented output
-// blocks, phrase blocks, non-ASCII text, CR LF line ends. It is generated
-// from a fixed seed, so runs compare. Figures only; nothing is asserted.
+// Figures only; nothing is asserted.
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <random>
 #include <string>
-#include <vector>
 
 #include "core/agp_vars.h"
 #include "template/parser.h"
+#include "synthetic_template.h"
 
 namespace {
 
 constexpr std::size_t kTemplateBytes = 10 * 1024 * 1024;
 constexpr int kRuns = 8;
-
-const std::vector<std::string> kLines = {
-    "<!--## for (var i = 0; i < TABLE.Fields.Count(); i++) { ##-->",
-    "<!--## var fld = TABLE.Fields.Seq(i); if (!fld.FldList) continue; ##-->",
-    "<tr id=\"r_<!--##=fld.FldParm##-->\" class=\"<!--##=rowClass##-->\">",
-    "    <td class=\"caption\"><!--##@FieldCaption##--></td>",
-    "    <!--##~SYSTEMFUNCTIONS.FieldView(fld)##-->",
-    "\t\t<!--##~SYSTEMFUNCTIONS.FieldEdit(fld, \"x_\" + fld.FldParm)##-->",
-    "    <td title=\"<!--##$fld.FldTitlePhrase##-->\">Größe: <!--##= fld.FldSize ##--></td>",
-    "</tr>",
-    "<!--## } ##-->",
-    "<div class=\"form-group\"><label for=\"x_name\">Straße / Café / 名前</label></div>",
-    "<script>var f = document.forms[0]; f.action = \"list.cshtml\"; f.submit();</script>",
-    "@{ var db = Database.Open(\"<!--##=DB.DBVar##-->\"); var rows = db.Query(sql); }",
-    "<p>Plain text line with <b>markup</b> &amp; entities, and nothing to parse in it.</p>",
-    "<!--## if (TABLE.TblType == \"VIEW\") { ##--><em>read only</em><!--## } ##-->",
-};
-
-std::string makeTemplate() {
-  std::mt19937 random(20261123);
-  std::uniform_int_distribution<std::size_t> pick(0, kLines.size() - 1);
-  std::string text;
-  text.reserve(kTemplateBytes + 256);
-  while (text.size() < kTemplateBytes) {
-    text += kLines[pick(random)];
-    text += "\r\n";
-  }
-  return text;
-}
 
 double secondsSince(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -81,7 +48,7 @@ void report(const char* what, std::size_t bytes, std::int32_t blocks, double sec
 }  // namespace
 
 int main() {
-  const std::string source = makeTemplate();
+  const std::string source = bench::makeTemplate(kTemplateBytes);
   bw::AGParser parser;
 
   auto start = std::chrono::steady_clock::now();

@@ -6,13 +6,13 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 #include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/properties.h"
 #include "template/script_engine.h"
+#include "isolated_state.h"
 
 namespace {
 
@@ -45,16 +45,6 @@ function readProject(count) {
   return seen;
 }
 )js";
-
-// An isolated settings store and documents folder, so that the benchmark
-// neither reads nor changes the user's own.
-void isolate() {
-  auto dir = std::filesystem::temp_directory_path() / "bw-bench-script-engine";
-  std::filesystem::create_directories(dir);
-  setenv("BRINDLEWORK_USER_HIVE", (dir / "user.reg").c_str(), 1);
-  setenv("BRINDLEWORK_DOCUMENTS", (dir / "Documents").c_str(), 1);
-  bw::ResetAGPVars();
-}
 
 bw::Ref<bw::AGProperties> makeBag() {
   auto bag = bw::make<bw::AGProperties>(bw::PropertyLayout::create({
@@ -92,7 +82,7 @@ double nanosecondsPerOperation(bw::ScriptEngine& engine, const char* procedure, 
 }  // namespace
 
 int main() {
-  isolate();
+  bench::isolateEngineState("bench-script-engine");
   auto proj = bw::make<bw::AGP>();
   proj->setAttr("BodyTitle", "Shop");
   proj->setAttr("RecPerPage", bw::Variant(std::int16_t{20}));
