@@ -1,6 +1,5 @@
 // The settings command, run as the built program with temporary hives.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
 #include <string>
@@ -8,24 +7,15 @@
 
 #include "platform/files.h"
 #include "platform/settings_hive.h"
+#include "support/cli_run.h"
 #include "support/engine_test.h"
 
 namespace bw {
 namespace {
 
+using bw::testing::CliRun;
 using bw::testing::EngineTest;
-
-struct CliRun {
-  int exitCode = -1;
-  std::string out;
-  std::string err;
-};
-
-std::string shellQuoted(const std::string& arg) {
-  std::string quoted = "'";
-  for (char c : arg) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
+using bw::testing::RunCli;
 
 class SettingsCliTest : public EngineTest {
  protected:
@@ -34,14 +24,9 @@ class SettingsCliTest : public EngineTest {
     ::setenv("BRINDLEWORK_MACHINE_HIVE", tempPath("machine.reg").c_str(), 1);
   }
 
-  CliRun run(const std::vector<std::string>& args) {
-    std::string command = shellQuoted(BRINDLEWORK_CLI) + " settings";
-    for (const std::string& arg : args) command += " " + shellQuoted(arg);
-    command += " >" + shellQuoted(tempPath("out")) + " 2>" + shellQuoted(tempPath("err"));
-    const int status = std::system(command.c_str());
-    return CliRun{WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-                  files::readFile(tempPath("out")).value_or(""),
-                  files::readFile(tempPath("err")).value_or("")};
+  CliRun run(std::vector<std::string> args) {
+    args.insert(args.begin(), "settings");
+    return RunCli(args, tempDir().string());
   }
 
   std::optional<settings::Value> userValue(const std::string& section, const std::string& name) {
