@@ -20,11 +20,17 @@ build: configure
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
-# For now the engine has no end-to-end run to show; the demo prints its
-# version and the shipped default settings.
+# The demo prints the version and runs a small template through the script
+# host, with the settings of a scratch folder so that it changes nothing of
+# the user's.
+DEMO_HOME = $(BUILD)/demo-home
+DEMO_ENV = BRINDLEWORK_USER_HIVE=$(DEMO_HOME)/user.reg BRINDLEWORK_DOCUMENTS=$(DEMO_HOME)/Documents
 demo: build
 	$(BUILD)/bin/brindlework --version
-	$(BUILD)/bin/brindlework settings list General --machine
+	mkdir -p $(DEMO_HOME)
+	$(DEMO_ENV) $(BUILD)/bin/brindlework parse 'a<!--##=1+1##-->b'
+	$(DEMO_ENV) $(BUILD)/bin/brindlework parse \
+	  '<ul><!--## for (var k = 1; k <= 3; k++) { ##--><li><!--##=PROJ.ProgramLanguage##--> page <!--##=k##--></li><!--## } ##--></ul>'
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done
