@@ -32,6 +32,7 @@ class AutomationError : public std::runtime_error {
 
 // The run-time errors of the Basic family that the automation layer raises.
 namespace basic_error {
+inline constexpr std::int32_t kInvalidProcedureCall = 5;
 inline constexpr std::int32_t kSubscriptOutOfRange = 9;
 inline constexpr std::int32_t kOverflow = 6;
 inline constexpr std::int32_t kTypeMismatch = 13;
