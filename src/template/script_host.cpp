@@ -176,7 +176,10 @@ bool AGScript::Validate() {
       break;
     }
   }
-  if (text::toLower(generalSetting("VALIDATETRACE")) == "true" && !vars.Trace.empty())
+  // Without an output folder the trace has no place: a bare file name would
+  // land in whatever folder the hosting program runs in.
+  if (text::toLower(generalSetting("VALIDATETRACE")) == "true" && !vars.Trace.empty() &&
+      !vars.Destination.empty())
     ScriptWriteFile(files::joinPath(vars.Destination, "validate.trace"), vars.Trace);
   return passed;
 }
