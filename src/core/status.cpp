@@ -7,14 +7,22 @@
 #include "platform/files.h"
 #include "platform/guid.h"
 #include "platform/progress_sink.h"
+#include "platform/text.h"
 
 namespace bw {
 namespace {
 
 ProgressSink& sink() { return *AGPVars().progress; }
 
-// The longest system code text a caller takes.
+// The longest system code text a caller takes, in characters.
 constexpr std::size_t kMaxSystemCode = 1'000'000;
+
+// `utf8` cut after its first `count` characters; a character is never split.
+std::string firstChars(std::string_view utf8, std::size_t count) {
+  std::size_t end = 0;
+  for (std::size_t k = 0; k < count && end < utf8.size(); ++k) text::decodeUtf8(utf8, end);
+  return std::string(utf8.substr(0, end));
+}
 
 }  // namespace
 
@@ -72,8 +80,8 @@ std::string SystemCodePrelude() {
 // are VL.js alone. Codes are cut or padded to two characters; a code
 // without a file gives nothing.
 Variant AGPStatus::GetSysCode(const Variant& codeIn) {
-  std::string code = codeIn.toText();
-  code.resize(2, ' ');
+  std::string code = firstChars(codeIn.toText(), 2);
+  while (text::countChars(code) < 2) code += ' ';
   const std::string folder = SystemCodeFolder();
   std::string text = files::readTextFile(files::joinPath(folder, code + ".js"));
   if (text.empty()) return Variant("");
@@ -81,8 +89,7 @@ Variant AGPStatus::GetSysCode(const Variant& codeIn) {
     text = files::readTextFile(files::joinPath(folder, "common.js")) + "\r\n" + text + "\r\n" +
            SystemCodePrelude();
   text = text.substr(0, text.find('\0'));
-  if (text.size() > kMaxSystemCode) text.resize(kMaxSystemCode);
-  return Variant(text);
+  return Variant(firstChars(text, kMaxSystemCode));
 }
 
 const MemberTable& AGPStatus::members() const {

@@ -47,10 +47,16 @@ function zt_LoadCurrent() {
 }
 
 // Phrases are resolved by the generated application at run time: a phrase
-// call writes the expression that looks the phrase up.
+// call writes the expression that looks the phrase up. The id stands in a
+// string literal of the site's language (zt_ProgramLanguage comes from the
+// language's own part of the system code).
 var Language = {
   Phrase: function (id) {
-    return "@Html.Raw(Language.Phrase(\"" + String(id).replace(/"/g, "\\\"") + "\"))";
+    var text = String(id);
+    var literal = zt_ProgramLanguage == "VB"
+      ? text.replace(/"/g, "\"\"")
+      : text.replace(/\\/g, "\\\\").replace(/"/g, "\\\"");
+    return "@Html.Raw(Language.Phrase(\"" + literal + "\"))";
   }
 };
 
