@@ -3,17 +3,22 @@
 #include <pugixml.hpp>
 
 #include "core/agp_vars.h"
+#include "core/attribute_members.h"
 #include "core/names.h"
 #include "core/project_attributes.h"
 #include "core/registry.h"
 #include "core/status.h"
+#include "extensions/extensions.h"
+#include "language/phrase_store.h"
 #include "persistence/machine_defaults.h"
+#include "persistence/menus.h"
 #include "platform/files.h"
 #include "platform/hash.h"
 #include "platform/text.h"
 #include "platform/xml.h"
 #include "template/composition.h"
 #include "template/controls.h"
+#include "template/custom_scripts.h"
 #include "template/settings_file.h"
 
 namespace bw {
@@ -21,7 +26,9 @@ namespace bw {
 // Construction. The interface language needs no setting here: the engine's
 // messages are English on every platform.
 AGP::AGP()
-    : properties_(make<AGProperties>(ProjectLayout())), controlList_(make<AGPControls>()) {
+    : properties_(make<AGProperties>(ProjectLayout())),
+      controlList_(make<AGPControls>()),
+      databases_(make<AGPDatabases>()) {
   AGPVarsData& vars = AGPVars();
   setAttr("ProjID", Status().GetGUID());
 
@@ -99,10 +106,34 @@ void AGP::AddProj(const std::string& projectName) {
   projInit_ = true;
 }
 
+// The stores of menus, phrases and extensions are emptied when the database
+// is unloaded, not here; deleting the database takes its tables' entries.
 void AGP::DeleteProj() {
   properties_->reset(ProjectLayout());
+  std::vector<std::string> names;
+  for (std::int32_t position = 1; position <= databases_->Count(); ++position)
+    names.push_back(databases_->Item(Variant(position))->DBName());
+  for (const std::string& name : names) databases_->Delete(Variant(name));
+  curDBName_.clear();
   projInit_ = false;
 }
+
+Ref<AGPDatabase> AGP::DB() const {
+  AGPDatabase* db = databases_->database(curDBName_);
+  return db ? refTo(db) : nullptr;
+}
+
+Ref<AGPDatabase> AGP::addDatabase(const std::string& name) {
+  databases_->Add(name);
+  if (!AGPVars().ProjErr.empty()) return {};
+  curDBName_ = name;
+  return DB();
+}
+
+Ref<Dispatch> AGP::MenuList() const { return refTo(&Menus()); }
+Ref<Dispatch> AGP::Extensions() const { return refTo(&bw::Extensions()); }
+Ref<Dispatch> AGP::Language() const { return refTo(&bw::Language()); }
+Ref<Dispatch> AGP::customscripts() const { return refTo(&CustomScripts()); }
 
 Variant AGP::GetV(const std::string& name) {
   if (auto slot = properties_->find(name))
@@ -137,11 +168,11 @@ void AGP::setProjName(const std::string& name) {
 }
 
 // Reserved words differ by language, so a loaded database's variable names
-// are rebuilt when the language changes; that arrives with the definition
-// model.
+// are rebuilt when the language changes.
 void AGP::setProgramLanguage(const std::string& language) {
   setAttr("ProgramLanguage", Variant(language));
   AGPVars().ProgramLanguage = language;
+  if (Ref<AGPDatabase> db = DB()) db->Tables()->rebuildVariableNames();
 }
 
 void AGP::setAppCompatVersion(const Variant& value) {
@@ -185,24 +216,6 @@ std::string AGP::FldSrchOprs(std::int16_t adoType) const { return bw::FldSrchOpr
 
 namespace {
 
-Variant readAttribute(Dispatch& self, const Member& m, Args) {
-  return static_cast<AGP&>(self).typedAttr(m.name);
-}
-
-// A typed property takes a value of its type, as a typed parameter would.
-void writeAttribute(Dispatch& self, const Member& m, Args, const Variant& value) {
-  const auto kind = static_cast<DataKind>(m.data);
-  Variant converted = kind == DataKind::String ? Variant(value.toText()) : ConvertValue(value, kind);
-  if (converted.isEmpty() && !value.isEmpty()) raiseBasicError(basic_error::kTypeMismatch);
-  static_cast<AGP&>(self).setAttr(m.name, std::move(converted));
-}
-
-Member attributeMember(const AttributeDef& def, bool writable) {
-  Member m{def.name, Member::Kind::Property, 0, 0, readAttribute, writable ? writeAttribute : nullptr};
-  m.data = static_cast<std::intptr_t>(def.kind());
-  return m;
-}
-
 MemberTable buildMembers() {
   MemberTable table{
       property<&AGP::ProjInit>("ProjInit"),
@@ -226,13 +239,14 @@ MemberTable buildMembers() {
       property<&AGP::Destination, &AGP::setDestination>("Destination"),
       property<&AGP::SecPasswdEncript>("SecPasswdEncript"),
       method<&AGP::ParseScript>("ParseScript"),
+      property<&AGP::DB>("DB"),
+      property<&AGP::DBCnt>("DBCnt"),
+      property<&AGP::MenuList>("MenuList"),
+      property<&AGP::Extensions>("Extensions"),
+      property<&AGP::Language>("Language"),
+      property<&AGP::customscripts>("customscripts"),
   };
-  const PropertyLayout& layout = *ProjectLayout();
-  for (std::size_t slot = 0; slot < layout.size(); ++slot) {
-    const AttributeDef& def = layout.def(slot);
-    const bool readOnly = def.name == "ProjVar" || def.name == "SyncLog";
-    table.add(attributeMember(def, !readOnly));
-  }
+  AddAttributeMembers<AGP>(table, *ProjectLayout(), {"ProjVar", "SyncLog"});
   return table;
 }
 

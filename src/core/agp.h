@@ -16,6 +16,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/databases.h"
 #include "core/dispatch.h"
 #include "core/properties.h"
 #include "template/controls.h"
@@ -76,6 +77,26 @@ class AGP : public Dispatch {
   // The controls of the loaded template.
   Ref<AGPControls> ControlList() const { return controlList_; }
 
+  // The definition model. The project has at most one database; DB is the
+  // one whose key is curDBName, or none.
+  const Ref<AGPDatabases>& databases() const { return databases_; }
+  const std::string& curDBName() const { return curDBName_; }
+  void setCurDBName(const std::string& name) { curDBName_ = name; }
+  Ref<AGPDatabase> DB() const;
+  std::int16_t DBCnt() const { return static_cast<std::int16_t>(databases_->Count()); }
+  // Adds the project's database and makes it current; none, with ProjErr
+  // set, when the project has one already.
+  Ref<AGPDatabase> addDatabase(const std::string& name);
+  // The generator's working table; none outside generation.
+  const Ref<AGPTable>& currentTable() const { return currentTable_; }
+  void setCurrentTable(Ref<AGPTable> table) { currentTable_ = std::move(table); }
+
+  // The shared stores, as the host reaches them.
+  Ref<Dispatch> MenuList() const;
+  Ref<Dispatch> Extensions() const;
+  Ref<Dispatch> Language() const;
+  Ref<Dispatch> customscripts() const;
+
   // Steps of a generation run between the control file and the script host.
   // A failure leaves ProjErr set; those marked "stops" raise GenerationError.
   //
@@ -119,6 +140,9 @@ class AGP : public Dispatch {
   Ref<AGProperties> properties_;
   std::unique_ptr<Composer> composer_;
   Ref<AGPControls> controlList_;
+  Ref<AGPDatabases> databases_;
+  std::string curDBName_;
+  Ref<AGPTable> currentTable_;
   bool projInit_ = false;
   std::int32_t hwnd_ = 0;
   std::string appVersion_;

@@ -19,6 +19,7 @@ namespace bw {
 
 class Host;
 class Dispatch;
+class StoredDefaultsCache;
 class ProgressSink;
 
 struct AGPVarsData {
@@ -53,6 +54,7 @@ struct AGPVarsData {
   Variant SecDefault;
   std::int16_t DefaultDateFormat = 0;
   std::string DBMSName;
+  std::string QuoteStart, QuoteEnd;  // around table and field names in SQL
 
   // Script host settings.
   std::string ScriptLanguage = "JScript";
@@ -94,9 +96,21 @@ struct AGPVarsData {
   // it back, so that this struct need not know the classes.
   Ref<Dispatch> Registry;
   Ref<Dispatch> Keywords;
+  Ref<Dispatch> CodeBase;
   Ref<Dispatch> Settings;
   Ref<Dispatch> FileCache;
   Ref<Dispatch> Status;
+  Ref<Dispatch> MasterDetails;
+  // The stores that refer to tables and fields by name: Language(), Menus(),
+  // Extensions(), CustomScripts().
+  Ref<Dispatch> Language;
+  Ref<Dispatch> Menus;
+  Ref<Dispatch> Extensions;
+  Ref<Dispatch> CustomScripts;
+
+  // The stored defaults of new definitions while a DefinitionBulkLoad runs;
+  // null otherwise (see core/definition_object.h).
+  std::shared_ptr<StoredDefaultsCache> BulkDefaults;
 
   // Script hosts and the template cache; null outside the work they serve.
   // Script serves a generation run and GenCheck, ParseScriptHost serves

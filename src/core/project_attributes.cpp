@@ -1,27 +1,25 @@
 #include "core/project_attributes.h"
 
-#include <array>
+#include "core/attribute_rows.h"
 
 namespace bw {
 namespace {
 
-enum Store { kNone, kText, kNumber };
+constexpr Store kNone = Store::None;
+constexpr Store kText = Store::Text;
+constexpr Store kNumber = Store::Number;
 
-struct Row {
-  const char* name;
-  const char* dataType;
-  Store store;
-};
-
-// The project's attributes in the order of the project file.
-constexpr Row kProjectAttributes[] = {
+// The project's attributes in the order of the project file. ProjVar is
+// derived from ProjName, and SyncLog is the report of the last
+// synchronization: neither is the user's setting nor saved in the file.
+constexpr AttributeRow kProjectAttributes[] = {
       {"ProjID", "String", kNone},
       {"ProjName", "String", kNone},
-      {"ProjVar", "String", kNone},
+      {"ProjVar", "String", kNone, false, false},
       {"MultiLanguage", "Boolean", kText},
       {"DefaultLanguageFile", "String", kText},
       {"LanguageFiles", "String", kText},
-      {"SyncLog", "String", kNone},
+      {"SyncLog", "String", kNone, false, false},
       {"AppCompatVersion", "Integer", kNumber},
       {"AppRelatedProject", "String", kNone},
       {"SQLQuote", "String", kNone},
@@ -202,30 +200,10 @@ constexpr Row kProjectAttributes[] = {
 
 static_assert(std::size(kProjectAttributes) == 183);
 
-AttributeDef toDef(const Row& row) {
-  AttributeDef def;
-  def.name = row.name;
-  def.dataType = row.dataType;
-  def.regSave = row.store != kNone;
-  def.regFormat = row.store == kText ? 1 : row.store == kNumber ? 4 : 0;
-  // ProjVar is derived from ProjName, and SyncLog is the report of the last
-  // synchronization: neither is the user's setting nor saved in the file.
-  const std::string_view name = row.name;
-  const bool derived = name == "ProjVar" || name == "SyncLog";
-  def.fileSave = !derived;
-  def.sync = !derived;
-  return def;
-}
-
 }  // namespace
 
 const Ref<const PropertyLayout>& ProjectLayout() {
-  static const Ref<const PropertyLayout> layout = [] {
-    std::vector<AttributeDef> defs;
-    defs.reserve(std::size(kProjectAttributes));
-    for (const Row& row : kProjectAttributes) defs.push_back(toDef(row));
-    return PropertyLayout::create(std::move(defs));
-  }();
+  static const Ref<const PropertyLayout> layout = LayoutOf(kProjectAttributes);
   return layout;
 }
 

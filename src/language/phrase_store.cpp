@@ -1,0 +1,107 @@
+#include "language/phrase_store.h"
+
+#include <algorithm>
+
+#include "core/agp_vars.h"
+
+namespace bw {
+namespace {
+
+template <typename Record, typename Match>
+Record* firstMatch(std::vector<Record>& records, Match match) {
+  auto it = std::find_if(records.begin(), records.end(), match);
+  return it == records.end() ? nullptr : &*it;
+}
+
+}  // namespace
+
+std::string AGPLanguage::GetTablePhrase(const std::string& languageId, const std::string& tableName,
+                                        const std::string& attribute) const {
+  for (const TablePhrase& p : tables_)
+    if (p.LanguageId == languageId && p.TableName == tableName && p.TableAttribute == attribute)
+      return p.Phrase;
+  return "";
+}
+
+void AGPLanguage::SetTablePhrase(const std::string& languageId, const std::string& tableName,
+                                 const std::string& attribute, const std::string& phrase) {
+  TablePhrase* found = firstMatch(tables_, [&](const TablePhrase& p) {
+    return p.LanguageId == languageId && p.TableName == tableName && p.TableAttribute == attribute;
+  });
+  if (found)
+    found->Phrase = phrase;
+  else
+    tables_.push_back({languageId, tableName, attribute, phrase});
+}
+
+void AGPLanguage::RenameTable(const Variant& oldName, const Variant& newName) {
+  const std::string from = oldName.toText(), to = newName.toText();
+  for (TablePhrase& p : tables_)
+    if (p.TableName == from) p.TableName = to;
+  for (FieldPhrase& p : fields_)
+    if (p.TableName == from) p.TableName = to;
+}
+
+void AGPLanguage::DeleteTablePhrase(const std::string& tableName) {
+  std::erase_if(tables_, [&](const TablePhrase& p) { return p.TableName == tableName; });
+}
+
+std::string AGPLanguage::GetFieldPhrase(const std::string& languageId, const std::string& tableName,
+                                        const std::string& fieldName,
+                                        const std::string& attribute) const {
+  for (const FieldPhrase& p : fields_)
+    if (p.LanguageId == languageId && p.TableName == tableName && p.FieldName == fieldName &&
+        p.FieldAttribute == attribute)
+      return p.Phrase;
+  return "";
+}
+
+void AGPLanguage::SetFieldPhrase(const std::string& languageId, const std::string& tableName,
+                                 const std::string& fieldName, const std::string& attribute,
+                                 const std::string& phrase) {
+  FieldPhrase* found = firstMatch(fields_, [&](const FieldPhrase& p) {
+    return p.LanguageId == languageId && p.TableName == tableName && p.FieldName == fieldName &&
+           p.FieldAttribute == attribute;
+  });
+  if (found)
+    found->Phrase = phrase;
+  else
+    fields_.push_back({languageId, tableName, fieldName, attribute, phrase});
+}
+
+void AGPLanguage::RenameField(const Variant& tableName, const Variant& oldName, const Variant& newName) {
+  const std::string table = tableName.toText(), from = oldName.toText(), to = newName.toText();
+  for (FieldPhrase& p : fields_)
+    if (p.TableName == table && p.FieldName == from) p.FieldName = to;
+}
+
+void AGPLanguage::DeleteFieldPhrase(const std::string& tableName, const std::string& fieldName) {
+  std::erase_if(fields_, [&](const FieldPhrase& p) {
+    return p.TableName == tableName && p.FieldName == fieldName;
+  });
+}
+
+const MemberTable& AGPLanguage::members() const {
+  using L = AGPLanguage;
+  static const MemberTable table{
+      property<&L::TableCount>("TableCount"),
+      method<&L::GetTablePhrase>("GetTablePhrase"),
+      method<&L::SetTablePhrase>("SetTablePhrase"),
+      method<&L::RenameTable>("RenameTable"),
+      method<&L::DeleteTablePhrase>("DeleteTablePhrase"),
+      property<&L::FieldCount>("FieldCount"),
+      method<&L::GetFieldPhrase>("GetFieldPhrase"),
+      method<&L::SetFieldPhrase>("SetFieldPhrase"),
+      method<&L::RenameField>("RenameField"),
+      method<&L::DeleteFieldPhrase>("DeleteFieldPhrase"),
+  };
+  return table;
+}
+
+AGPLanguage& Language() {
+  Ref<Dispatch>& slot = AGPVars().Language;
+  if (!slot) slot = make<AGPLanguage>();
+  return static_cast<AGPLanguage&>(*slot);
+}
+
+}  // namespace bw

@@ -1,0 +1,74 @@
+#include "persistence/menus.h"
+
+#include <algorithm>
+
+#include "core/agp_vars.h"
+
+namespace bw {
+
+const MemberTable& AGPMenu::members() const {
+  using M = AGPMenu;
+  static const MemberTable table{
+      field<&M::MenuId>("MenuId"),
+      field<&M::MenuText>("MenuText"),
+      field<&M::MenuParentId>("MenuParentId"),
+      field<&M::MenuGroup>("MenuGroup"),
+      field<&M::MenuSource>("MenuSource"),
+      field<&M::MenuExtUrl>("MenuExtUrl"),
+      field<&M::MenuAnonymous>("MenuAnonymous"),
+      field<&M::MenuSecurity>("MenuSecurity"),
+      field<&M::MenuUrl>("MenuUrl"),
+      field<&M::MenuCustomUrl>("MenuCustomUrl"),
+      field<&M::MenuLevel>("MenuLevel"),
+      field<&M::MenuShow>("MenuShow"),
+      field<&M::MenuDisplayOrder>("MenuDisplayOrder"),
+  };
+  return table;
+}
+
+Ref<AGPMenu> AGPMenus::Item(std::int32_t position) const {
+  if (position < 1 || position > Count()) raiseBasicError(basic_error::kSubscriptOutOfRange);
+  return items_[static_cast<std::size_t>(position - 1)];
+}
+
+bool AGPMenus::MenuHasTable(const std::string& source, const std::string& name) const {
+  return GetItemByTableName(source, name) != nullptr;
+}
+
+Ref<AGPMenu> AGPMenus::GetItemByTableName(const std::string& source, const std::string& name) const {
+  for (const Ref<AGPMenu>& item : items_)
+    if (item->isTableItem(source, name)) return item;
+  return {};
+}
+
+bool AGPMenus::DeleteMenu(std::int32_t id) {
+  auto it = std::find_if(items_.begin(), items_.end(),
+                         [id](const Ref<AGPMenu>& item) { return item->MenuId == id; });
+  if (it == items_.end()) return false;
+  items_.erase(it);
+  for (const Ref<AGPMenu>& item : items_)
+    if (item->MenuParentId == id) item->MenuParentId = -1;
+  return true;
+}
+
+void AGPMenus::append(Ref<AGPMenu> item) { items_.push_back(std::move(item)); }
+
+const MemberTable& AGPMenus::members() const {
+  using M = AGPMenus;
+  static const MemberTable table{
+      method<&M::Count>("Count"),
+      asDefault(property<&M::Item>("Item")),
+      method<&M::MenuHasTable>("MenuHasTable"),
+      method<&M::GetItemByTableName>("GetItemByTableName"),
+      method<&M::DeleteMenu>("DeleteMenu"),
+  };
+  return table;
+}
+
+AGPMenus& Menus() {
+  Ref<Dispatch>& slot = AGPVars().Menus;
+  if (!slot) slot = make<AGPMenus>();
+  return static_cast<AGPMenus&>(*slot);
+}
+
+}  // namespace bw
