@@ -4,10 +4,11 @@
 
 namespace bw::xml {
 
-LoadResult loadText(pugi::xml_document& doc, std::string_view text) {
-  pugi::xml_parse_result r = doc.load_buffer(text.data(), text.size(),
-                                             pugi::parse_default | pugi::parse_declaration,
-                                             pugi::encoding_auto);
+LoadResult loadText(pugi::xml_document& doc, std::string_view text, LineEnds lineEnds) {
+  unsigned options = pugi::parse_default | pugi::parse_declaration;
+  if (lineEnds == LineEnds::Keep) options &= ~pugi::parse_eol;
+  pugi::xml_parse_result r =
+      doc.load_buffer(text.data(), text.size(), options, pugi::encoding_auto);
   LoadResult result;
   result.ok = static_cast<bool>(r) && doc.document_element();
   if (!r) {
@@ -19,7 +20,7 @@ LoadResult loadText(pugi::xml_document& doc, std::string_view text) {
   return result;
 }
 
-LoadResult loadFile(pugi::xml_document& doc, std::string_view path) {
+LoadResult loadFile(pugi::xml_document& doc, std::string_view path, LineEnds lineEnds) {
   auto bytes = files::readFile(path);
   if (!bytes) {
     doc.reset();
@@ -27,7 +28,7 @@ LoadResult loadFile(pugi::xml_document& doc, std::string_view path) {
     result.reason = "The system cannot locate the object specified.";
     return result;
   }
-  return loadText(doc, *bytes);
+  return loadText(doc, *bytes, lineEnds);
 }
 
 std::string_view localName(const pugi::xml_node& node) {

@@ -14,9 +14,15 @@ struct LoadResult {
   explicit operator bool() const { return ok; }
 };
 
+// What becomes of CR LF and lone CR in text and CDATA. XML readers turn
+// them into LF; a file whose text is handed on as written keeps them.
+enum class LineEnds { Normalize, Keep };
+
 // Loads a file (with or without a UTF-8 byte order mark) into `doc`.
-LoadResult loadFile(pugi::xml_document& doc, std::string_view path);
-LoadResult loadText(pugi::xml_document& doc, std::string_view text);
+LoadResult loadFile(pugi::xml_document& doc, std::string_view path,
+                    LineEnds lineEnds = LineEnds::Normalize);
+LoadResult loadText(pugi::xml_document& doc, std::string_view text,
+                    LineEnds lineEnds = LineEnds::Normalize);
 
 // The element name without a namespace prefix.
 std::string_view localName(const pugi::xml_node& node);
