@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "core/agp_vars.h"
+#include "core/databases.h"
 
 namespace bw::cli {
 
@@ -22,11 +23,18 @@ std::optional<std::string> takeProjectOption(Arguments& args) { return takeOptio
 
 Ref<AGP> openProject(const std::optional<std::string>& projectFile) {
   auto project = make<AGP>();
-  if (projectFile) {
-    std::cerr << "brindlework: --project: this build cannot open project files yet\n";
-    return {};
+  if (!projectFile) return project;
+  project->Load(*projectFile, false);
+  const std::string& error = AGPVars().ProjErr;
+  if (error.empty()) return project;
+  std::cerr << error << '\n';
+  // A project without a database is still a project: commands that need
+  // one say so themselves.
+  if (!project->DB() && AGPVars().ProjectFile == *projectFile) {
+    AGPVars().ProjErr.clear();
+    return project;
   }
-  return project;
+  return {};
 }
 
 }  // namespace bw::cli

@@ -20,7 +20,8 @@ std::optional<std::string> takeProjectOption(Arguments& args);
 std::optional<std::string> takeOption(Arguments& args, const std::string& name);
 
 // A new project object; with a project file, that project loaded. On a
-// failure, prints ProjErr and gives null.
+// failure, prints ProjErr and gives null; a file without a database loads
+// with that message printed as a warning.
 Ref<AGP> openProject(const std::optional<std::string>& projectFile);
 
 }  // namespace bw::cli

@@ -54,6 +54,17 @@ class AGP : public Dispatch {
   void LoadDefault();
   void SaveDefault();
 
+  // The project file. Load fills an empty project from `projFile`; Save
+  // writes it after keeping the old file as backup 1. Both leave ProjErr ""
+  // on success and never throw. `Sync` compares the definition with the
+  // live database when the project's AutoSync is set.
+  void Load(const std::string& projFile, bool Sync);
+  void Save(const std::string& projFile);
+  // Repairs TblSeq and FldSeq to 1..Count, telling the user of each repair.
+  bool CheckSequences();
+  const std::string& CodeBaseFile() const { return codeBaseFile_; }
+  const std::string& KeywordFile() const { return keywordFile_; }
+
   // Settings store read for hosts: `sClass` "hklm" in any case is the
   // machine hive, anything else the user hive.
   Variant ReadRegValue(const Variant& sClass, const Variant& sSection, const Variant& sKey);
@@ -150,6 +161,10 @@ class AGP : public Dispatch {
   bool backupFile_ = false;
   std::string userCode_;
   std::int16_t unloadThresholdCount_ = 20;
+  std::string codeBaseFile_;
+  std::string keywordFile_;
+
+  friend class ProjectReader;
 };
 
 }  // namespace bw

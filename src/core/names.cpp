@@ -1,5 +1,6 @@
 #include "core/names.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -101,6 +102,19 @@ std::string FldSrchOprs(std::int16_t adoType) {
       break;
   }
   return text::join(operators, text::kCrLf);
+}
+
+std::string SortKeyList(std::string_view list) {
+  if (text::trimBlanks(list).empty()) return {};
+  std::vector<std::string> names;
+  std::size_t start = 0;
+  for (std::size_t at; (at = list.find(text::kCrLf, start)) != std::string_view::npos; start = at + 2)
+    names.emplace_back(list.substr(start, at - start));
+  names.emplace_back(list.substr(start));
+  std::stable_sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+    return text::trimBlanks(a) < text::trimBlanks(b);
+  });
+  return text::join(names, text::kCrLf);
 }
 
 }  // namespace bw

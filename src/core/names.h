@@ -35,4 +35,8 @@ std::int16_t FieldTypeClass(std::int32_t adoType);
 // "USER SELECT" first.
 std::string FldSrchOprs(std::int16_t adoType);
 
+// A list of names, one per CR LF line, sorted ascending by their trimmed
+// text, so that two lists can be compared as strings; "" for a blank text.
+std::string SortKeyList(std::string_view text);
+
 }  // namespace bw

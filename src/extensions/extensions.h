@@ -7,6 +7,9 @@
 // own tables and fields.
 #pragma once
 
+#include <pugixml.hpp>
+
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,6 +25,9 @@ struct ExtensionTable {
 struct Extension {
   std::string Name;
   std::vector<ExtensionTable> tables;
+  // The extension's element as the project file held it, written back as
+  // it was read until the extension's own attributes are modelled.
+  std::shared_ptr<const pugi::xml_document> element = nullptr;
 };
 
 class AGPExtensions : public Dispatch {

@@ -15,6 +15,28 @@ Record* firstMatch(std::vector<Record>& records, Match match) {
 
 }  // namespace
 
+void AGPLanguage::SetProjectPhrase(const std::string& languageId, const std::string& attribute,
+                                   const std::string& phrase) {
+  ProjectPhrase* found = firstMatch(projects_, [&](const ProjectPhrase& p) {
+    return p.LanguageId == languageId && p.ProjectAttribute == attribute;
+  });
+  if (found)
+    found->Phrase = phrase;
+  else
+    projects_.push_back({languageId, attribute, phrase});
+}
+
+void AGPLanguage::SetMenuPhrase(const std::string& languageId, const std::string& menuId,
+                                const std::string& attribute, const std::string& phrase) {
+  MenuPhrase* found = firstMatch(menus_, [&](const MenuPhrase& p) {
+    return p.LanguageId == languageId && p.MenuId == menuId && p.MenuAttribute == attribute;
+  });
+  if (found)
+    found->Phrase = phrase;
+  else
+    menus_.push_back({languageId, menuId, attribute, phrase});
+}
+
 std::string AGPLanguage::GetTablePhrase(const std::string& languageId, const std::string& tableName,
                                         const std::string& attribute) const {
   for (const TablePhrase& p : tables_)

@@ -13,6 +13,12 @@
 
 namespace bw {
 
+struct ProjectPhrase {
+  std::string LanguageId, ProjectAttribute, Phrase;
+};
+struct MenuPhrase {
+  std::string LanguageId, MenuId, MenuAttribute, Phrase;
+};
 struct TablePhrase {
   std::string LanguageId, TableName, TableAttribute, Phrase;
 };
@@ -23,6 +29,14 @@ struct FieldPhrase {
 
 class AGPLanguage : public Dispatch {
  public:
+  // Project and menu phrases: replaced when the names match, else appended.
+  void SetProjectPhrase(const std::string& languageId, const std::string& attribute,
+                        const std::string& phrase);
+  void SetMenuPhrase(const std::string& languageId, const std::string& menuId,
+                     const std::string& attribute, const std::string& phrase);
+  const std::vector<ProjectPhrase>& projectPhrases() const { return projects_; }
+  const std::vector<MenuPhrase>& menuPhrases() const { return menus_; }
+
   std::int32_t TableCount() const { return static_cast<std::int32_t>(tables_.size()); }
   std::string GetTablePhrase(const std::string& languageId, const std::string& tableName,
                              const std::string& attribute) const;
@@ -50,6 +64,8 @@ class AGPLanguage : public Dispatch {
   std::string_view typeName() const override { return "AGPLanguage"; }
 
  private:
+  std::vector<ProjectPhrase> projects_;
+  std::vector<MenuPhrase> menus_;
   std::vector<TablePhrase> tables_;
   std::vector<FieldPhrase> fields_;
 };

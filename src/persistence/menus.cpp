@@ -31,6 +31,12 @@ Ref<AGPMenu> AGPMenus::Item(std::int32_t position) const {
   return items_[static_cast<std::size_t>(position - 1)];
 }
 
+bool AGPMenus::MenuHasID(std::int32_t id) const {
+  for (const Ref<AGPMenu>& item : items_)
+    if (item->MenuId == id) return true;
+  return false;
+}
+
 bool AGPMenus::MenuHasTable(const std::string& source, const std::string& name) const {
   return GetItemByTableName(source, name) != nullptr;
 }

@@ -43,6 +43,7 @@ class AGPMenus : public Dispatch {
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
   // The item at a position from 1, despite the parameter's usual name.
   Ref<AGPMenu> Item(std::int32_t position) const;
+  bool MenuHasID(std::int32_t id) const;
   bool MenuHasTable(const std::string& source, const std::string& name) const;
   Ref<AGPMenu> GetItemByTableName(const std::string& source, const std::string& name) const;
   // Removes the item with `id`; its children become top-level items. An
@@ -51,6 +52,7 @@ class AGPMenus : public Dispatch {
 
   // Appends an item as it stands; the loader and the table list use this.
   void append(Ref<AGPMenu> item);
+  void clear() { items_.clear(); }
   const std::vector<Ref<AGPMenu>>& items() const { return items_; }
 
   const MemberTable& members() const override;

@@ -25,12 +25,6 @@ std::vector<std::int64_t> versionParts(std::string_view version) {
   }
 }
 
-std::string_view trimBlanks(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
-
 // The first and the last `count` characters of UTF-8 text.
 std::string_view firstChars(std::string_view s, std::size_t count) {
   std::size_t pos = 0;
@@ -52,19 +46,7 @@ std::string shortenedSource(std::string_view src) {
   std::string_view tail = lastChars(src, 40);
   if (const std::size_t blank = tail.find(' '); blank != std::string_view::npos)
     tail = tail.substr(blank);
-  return std::string(trimBlanks(head)) + " ... " + std::string(trimBlanks(tail));
-}
-
-std::string replaceAll(std::string_view text, std::string_view from, std::string_view to) {
-  std::string out;
-  std::size_t start = 0;
-  for (std::size_t at; (at = text.find(from, start)) != std::string_view::npos;
-       start = at + from.size()) {
-    out.append(text.substr(start, at - start));
-    out.append(to);
-  }
-  out.append(text.substr(start));
-  return out;
+  return std::string(text::trimBlanks(head)) + " ... " + std::string(text::trimBlanks(tail));
 }
 
 }  // namespace
@@ -109,9 +91,9 @@ std::string WrapLegacyScriptCode(std::string_view name, std::string_view source,
   const bool vb = language == "VB";
   const std::string p = vb ? "'*** " : "//*** ";
   const std::string crlf(text::kCrLf);
-  const std::string lines = replaceAll(replaceAll(code, "\r\n", "\r"), "\n", "\r");
+  const std::string lines = text::replaceAll(text::replaceAll(code, "\r\n", "\r"), "\n", "\r");
   const std::string block = p + "TO DO ***" + crlf + p + "- Convert the codes below to .NET Codes" +
-                            crlf + p + crlf + p + replaceAll(lines, "\r", crlf + p);
+                            crlf + p + crlf + p + text::replaceAll(lines, "\r", crlf + p);
   if (name == "Global Code") return block;
   // Folded to ASCII lower case only, which keeps byte positions.
   std::string folded(source);
