@@ -5,6 +5,7 @@
 
 #include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/databases.h"
 #include "core/generation_error.h"
 #include "core/registry.h"
 #include "core/status.h"
@@ -109,6 +110,15 @@ bool AGP::EvalCondition(const std::string& cond) {
       .getV = [this](const std::string& name) { return GetV(name); },
       .controls = controlList_.get(),
   };
+  // The generation run makes a table current, and a field by moving the
+  // table's field cursor to it.
+  const Ref<AGPDatabase> db = DB();
+  if (db) context.database = &db->bag();
+  if (currentTable_) {
+    context.table = &currentTable_->bag();
+    AGPFields& fields = *currentTable_->Fields();
+    if (DefinitionObject* field = fields.find(fields.curName)) context.field = &field->bag();
+  }
   if (script)
     context.runModule = [script](const std::string& module) {
       return script->RunModule(Variant(module));

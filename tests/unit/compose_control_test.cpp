@@ -4,6 +4,7 @@
 
 #include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/databases.h"
 #include "core/generation_error.h"
 #include "core/registry.h"
 #include "generation/output_files.h"
@@ -189,6 +190,25 @@ TEST_F(ComposeControlTest, FailuresStopTheRunWithTheirMessages) {
   project->LoadTemplateScripts();
   EXPECT_EQ(AGPVars().ProjErr,
             "Brindlework: Script file does not exist - \"nowhere.js\"! Check if correct template.");
+}
+
+TEST_F(ComposeControlTest, ConditionsReadTheCurrentDatabaseTableAndField) {
+  EXPECT_TRUE(project->EvalCondition("table/TblCaption/eq/x")) << "no current table: holds";
+  Ref<AGPDatabase> db = project->addDatabase("shop.db");
+  ASSERT_TRUE(db->Tables()->Add("orders"));
+  AGPTable* orders = db->Tables()->table("orders");
+  orders->setAttr("TblCaption", Variant(std::string("Orders")));
+  ASSERT_TRUE(orders->Fields()->Add("orders", "id"));
+  ASSERT_TRUE(orders->Fields()->Add("orders", "total"));
+  orders->Fields()->field("total")->setAttr("FldCaption", Variant(std::string("Sum")));
+  project->setCurrentTable(Ref<AGPTable>(orders));
+  orders->Fields()->SetItem(Variant("total"));
+
+  EXPECT_TRUE(project->EvalCondition("db/DBName/eq/shop.db, table/TblCaption/eq/Orders"));
+  EXPECT_FALSE(project->EvalCondition("table/TblCaption/ne/Orders"));
+  EXPECT_TRUE(project->EvalCondition("field/FldCaption/eq/Total|Sum"));
+  orders->Fields()->SetItem(Variant("id"));
+  EXPECT_FALSE(project->EvalCondition("field/FldCaption/eq/Total|Sum"));
 }
 
 TEST_F(ComposeControlTest, OutputFilesCarryAByteOrderMarkOnlyWhenAsked) {
