@@ -7,6 +7,7 @@
 // be inherited from an earlier project by accident.
 #include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/databases.h"
 #include "core/registry.h"
 #include "persistence/encoding.h"
 
@@ -21,6 +22,15 @@ Variant userSetting(const std::string& section, const char* name) {
 std::int16_t numericOrZero(const Variant& v) {
   if (v.isString() && !parseNumber(v.string())) return 0;
   return v.toInteger().value_or(0);
+}
+
+// The attributes registered for the settings store become the defaults of
+// their section.
+void writeStoredAttributes(const AGProperties& bag, const std::string& section) {
+  for (std::size_t slot = 0; slot < bag.size(); ++slot) {
+    const AttributeDef& def = bag.defAt(slot);
+    if (def.regSave) WriteSetting("HKCU", section, def.name, def.regFormat, bag.valueAt(slot));
+  }
 }
 
 }  // namespace
@@ -74,12 +84,8 @@ void AGP::LoadDefault() {
 
 void AGP::SaveDefault() {
   const AGPVarsData& vars = AGPVars();
-  const AGProperties& bag = *properties_;
-  for (std::size_t slot = 0; slot < bag.size(); ++slot) {
-    const AttributeDef& def = bag.defAt(slot);
-    if (def.regSave)
-      WriteSetting("HKCU", vars.RegProject, def.name, def.regFormat, bag.valueAt(slot));
-  }
+  writeStoredAttributes(*properties_, vars.RegProject);
+  if (const Ref<AGPDatabase> db = DB()) writeStoredAttributes(db->bag(), vars.RegDatabase);
   WriteSetting("HKCU", vars.RegGeneral, "BackupFile", 1, backupFile_);
   WriteSetting("HKCU", vars.RegGeneral, "UserCode", 1, userCode_);
   WriteSetting("HKCU", vars.RegGeneral, "ScriptEngineTimeout", 4, vars.ScriptEngineTimeout);

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "core/agp_vars.h"
+#include "core/databases.h"
 #include "core/registry.h"
 #include "support/engine_test.h"
 #include "template/keywords.h"
@@ -82,6 +83,13 @@ TEST_F(AGPTest, SaveDefaultWritesTheProjectAndGeneralSections) {
   EXPECT_EQ(ReadSetting("HKCU", AGPVars().RegProject, "BodyTitle").toText(), "Shop");
   EXPECT_EQ(ReadSetting("HKCU", AGPVars().RegGeneral, "BackupFile").toText(), "False");
   EXPECT_TRUE(ReadSetting("HKCU", AGPVars().RegProject, "ProjName").isEmpty());  // not a default
+  EXPECT_TRUE(ReadSetting("HKCU", AGPVars().RegDatabase, "MaxUploadSize").isEmpty())
+      << "no database, no database defaults";
+
+  proj->addDatabase("shop.db")->setAttr("MaxUploadSize", Variant(4096));
+  proj->SaveDefault();
+  EXPECT_EQ(ReadSetting("HKCU", AGPVars().RegDatabase, "MaxUploadSize").toLong(), 4096);
+  EXPECT_TRUE(ReadSetting("HKCU", AGPVars().RegDatabase, "DBName").isEmpty());
 }
 
 TEST_F(AGPTest, AddProjMakesAVariableNameAndADirtyProject) {
