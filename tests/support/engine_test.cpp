@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "core/agp_vars.h"
+#include "core/registry.h"
 
 namespace bw::testing {
 
@@ -31,6 +32,20 @@ std::string EngineTest::writeTempFile(const std::string& name, const std::string
   std::filesystem::create_directories(p.parent_path());
   std::ofstream(p, std::ios::binary) << content;
   return p.string();
+}
+
+void EmptySettingsTest::SetUp() {
+  EngineTest::SetUp();
+  ::setenv("BRINDLEWORK_MACHINE_HIVE", tempPath("machine.reg").c_str(), 1);
+}
+
+void EmptySettingsTest::TearDown() {
+  ::unsetenv("BRINDLEWORK_MACHINE_HIVE");
+  EngineTest::TearDown();
+}
+
+void EmptySettingsTest::setGeneral(const char* name, const Variant& value, int type) {
+  WriteSetting("HKCU", AGPVars().RegGeneral, name, type, value);
 }
 
 std::string EngineTest::sourceShare() { return BRINDLEWORK_SOURCE_DIR "/share/brindlework"; }

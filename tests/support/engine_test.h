@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "core/variant.h"
 #include "platform/host.h"
 
 namespace bw::testing {
@@ -36,6 +37,17 @@ class EngineTest : public ::testing::Test {
  private:
   std::filesystem::path temp_;
   std::shared_ptr<RecordingHost> host_;
+};
+
+// Engine tests over an empty machine hive: no shipped defaults, so that a
+// test sees only the settings it writes.
+class EmptySettingsTest : public EngineTest {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Writes a value of section General in the user hive (type 1 text, 4 number).
+  static void setGeneral(const char* name, const Variant& value, int type = 1);
 };
 
 }  // namespace bw::testing

@@ -13,19 +13,8 @@ namespace bw {
 namespace {
 
 // Projects over an empty settings store unless a test fills it first.
-class AGPTest : public testing::EngineTest {
+class AGPTest : public testing::EmptySettingsTest {
  protected:
-  void SetUp() override {
-    EngineTest::SetUp();
-    ::setenv("BRINDLEWORK_MACHINE_HIVE", tempPath("machine.reg").c_str(), 1);
-  }
-  void TearDown() override {
-    ::unsetenv("BRINDLEWORK_MACHINE_HIVE");
-    EngineTest::TearDown();
-  }
-  void setGeneral(const char* name, const Variant& value, int type = 1) {
-    WriteSetting("HKCU", AGPVars().RegGeneral, name, type, value);
-  }
 };
 
 TEST_F(AGPTest, ANewProjectIsCleanAndHasTheFixedDefaults) {

@@ -17,11 +17,10 @@
 namespace bw {
 namespace {
 
-class ComposeControlTest : public testing::EngineTest {
+class ComposeControlTest : public testing::EmptySettingsTest {
  protected:
   void SetUp() override {
-    EngineTest::SetUp();
-    ::setenv("BRINDLEWORK_MACHINE_HIVE", tempPath("machine.reg").c_str(), 1);
+    EmptySettingsTest::SetUp();
     project = make<AGP>();
     project->setProgramLanguage("C#");
     AGPVars().TemplateFolder = tempPath("template");
@@ -31,8 +30,7 @@ class ComposeControlTest : public testing::EngineTest {
   }
   void TearDown() override {
     AGPVars().Script = {};
-    ::unsetenv("BRINDLEWORK_MACHINE_HIVE");
-    EngineTest::TearDown();
+    EmptySettingsTest::TearDown();
   }
 
   void writeTemplate(const std::string& name, const std::string& text) {

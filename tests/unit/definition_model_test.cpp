@@ -18,16 +18,8 @@ namespace {
 
 // A project's definition over an empty settings store, unless a test
 // writes defaults first.
-class DefinitionModelTest : public testing::EngineTest {
+class DefinitionModelTest : public testing::EmptySettingsTest {
  protected:
-  void SetUp() override {
-    EngineTest::SetUp();
-    ::setenv("BRINDLEWORK_MACHINE_HIVE", tempPath("machine.reg").c_str(), 1);
-  }
-  void TearDown() override {
-    ::unsetenv("BRINDLEWORK_MACHINE_HIVE");
-    EngineTest::TearDown();
-  }
 
   // A database with tables named as given, in that order.
   Ref<AGPDatabase> databaseWith(std::initializer_list<const char*> tables) {

@@ -21,20 +21,9 @@ using Strings = std::vector<std::string>;
 
 // Hosts over an empty settings store; the shipped system code is replaced
 // by a share of the test's own wherever a test needs other code.
-class ScriptHostTest : public testing::EngineTest {
+class ScriptHostTest : public testing::EmptySettingsTest {
  protected:
-  void SetUp() override {
-    EngineTest::SetUp();
-    ::setenv("BRINDLEWORK_MACHINE_HIVE", tempPath("machine.reg").c_str(), 1);
-  }
-  void TearDown() override {
-    ::unsetenv("BRINDLEWORK_MACHINE_HIVE");
-    EngineTest::TearDown();
-  }
 
-  static void setGeneral(const char* name, const std::string& value) {
-    WriteSetting("HKCU", AGPVars().RegGeneral, name, 1, Variant(value));
-  }
 
   const std::vector<HostMessage>& messages() { return host().messages; }
 

@@ -105,22 +105,17 @@ class FakeDatabase : public Dispatch {
   Ref<FakeList> tables_ = make<FakeList>();
 };
 
-class SystemCodeTest : public testing::EngineTest {
+class SystemCodeTest : public testing::EmptySettingsTest {
  protected:
   void SetUp() override {
-    EngineTest::SetUp();
-    ::setenv("BRINDLEWORK_MACHINE_HIVE", tempPath("machine.reg").c_str(), 1);
+    EmptySettingsTest::SetUp();
     std::filesystem::create_directories(tempPath("out"));
     AGPVars().Destination = tempPath("out");
   }
   void TearDown() override {
-    ::unsetenv("BRINDLEWORK_MACHINE_HIVE");
-    EngineTest::TearDown();
+    EmptySettingsTest::TearDown();
   }
 
-  static void setGeneral(const char* name, const std::string& value) {
-    WriteSetting("HKCU", AGPVars().RegGeneral, name, 1, Variant(value));
-  }
   static std::string takeError() { return std::exchange(AGPVars().ProjErr, {}); }
   const std::vector<HostMessage>& messages() { return host().messages; }
 
