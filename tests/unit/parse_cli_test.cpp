@@ -33,6 +33,29 @@ TEST_F(ParseCliTest, PrintsWhatTheTemplateOutputs) {
   EXPECT_EQ(fromFile.out, "<ul>\r\n<li>1</li>\r\n<li>2</li>\r\n</ul>\r\n");
 }
 
+TEST_F(ParseCliTest, AProjectIsLoadedFirstWhenGiven) {
+  const std::string project = writeTempFile(
+      "shop.agx",
+      "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n"
+      "<Project ProjName=\"Corner Shop\" ProgramLanguage=\"C#\" Version=\"12.0.4\">\r\n"
+      "<Database DBName=\"shop.db\"><Table TblName=\"orders\"><Field FldName=\"id\"/></Table>"
+      "</Database>\r\n</Project>\r\n");
+  CliRun named = run({"parse", "--project", project, "<!--##=PROJ.ProjName##-->"});
+  EXPECT_EQ(named.exitCode, 0) << named.err;
+  EXPECT_EQ(named.out, "Corner Shop\n");
+
+  CliRun scripted = run({"script", writeTempFile("count.js",
+                                                 "WScript.Echo(PROJ.DB.Tables.Item('orders').Fields.Count());"),
+                         "--project", project});
+  EXPECT_EQ(scripted.exitCode, 0) << scripted.err;
+  EXPECT_EQ(scripted.out, "1\n");
+
+  CliRun broken = run({"parse", "--project", writeTempFile("broken.agx", "<Project"), "x"});
+  EXPECT_EQ(broken.exitCode, 1);
+  EXPECT_TRUE(broken.err.starts_with("Brindlework: Load project file failed! Parse error: line 1"))
+      << broken.err;
+}
+
 TEST_F(ParseCliTest, AScriptErrorPrintsTheFixedMessageAndFails) {
   CliRun syntax = run({"parse", "a<!--##=foo(##-->b"});
   EXPECT_EQ(syntax.exitCode, 1);
