@@ -12,5 +12,7 @@ using Arguments = std::vector<std::string>;
 int settingsCommand(const Arguments& args);  // list, get and set settings of the store
 int parseCommand(const Arguments& args);     // run template text through ParseScript
 int scriptCommand(const Arguments& args);    // run a JScript automation script
+int infoCommand(const Arguments& args);      // show a project file's database, tables and fields
+int saveCommand(const Arguments& args);      // load a project file and save it again
 
 }  // namespace bw::cli

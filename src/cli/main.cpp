@@ -25,6 +25,8 @@ const std::map<std::string, Command>& commands() {
       {"settings", {"settings list|get|set ... (settings --help)", bw::cli::settingsCommand}},
       {"parse", {"parse [--project P] (--file F | TEXT)", bw::cli::parseCommand}},
       {"script", {"script FILE.js [--project P]", bw::cli::scriptCommand}},
+      {"info", {"info PROJECT [--fields] [--json]", bw::cli::infoCommand}},
+      {"save", {"save PROJECT [-o OUT]", bw::cli::saveCommand}},
   };
   return table;
 }
