@@ -8,15 +8,19 @@
 namespace bw {
 namespace {
 
+// Two attributes are stored differently in the file; they are recognised by
+// name without building a lower-case copy for every attribute read.
+bool isScriptPath(std::string_view name) { return text::iequals(name, "js"); }
+bool isTagValues(std::string_view name) { return text::iequals(name, "FldTagValues"); }
+
 void loadKnownAttribute(AGProperties& bag, std::size_t slot, std::string_view name,
                         const char* value) {
   const AttributeDef& def = bag.defAt(slot);
   if (!def.fileSave) return;
-  const std::string lower = text::toLower(name);
-  if (lower == "js") {
+  if (isScriptPath(name)) {
     // A script path counts only while the file is there.
     if (*value && files::fileExists(value)) bag.setValueAt(slot, ConvertValue(Variant(value), def.kind()));
-  } else if (lower == "fldtagvalues") {
+  } else if (isTagValues(name)) {
     bag.setValueAt(slot, Variant(text::replaceAll(value, "|", text::kCrLf)));
   } else {
     bag.setValueAt(slot, ConvertValue(Variant(value), def.kind()));
@@ -32,33 +36,43 @@ void loadUnknownAttribute(AGProperties& bag, std::string_view name, const char* 
   bag.setValueAt(bag.size() - 1, ConvertSetting(Variant(value), type));
 }
 
-std::string fileText(const AttributeDef& def, const Variant& value) {
+
+}  // namespace
+
+void LoadBagFromElement(AGProperties& bag, const pugi::xml_node& element, bool isProjectRoot) {
+  // Files list the attributes in the bag's order, so the slot after the last
+  // one found is tried before the name is looked up.
+  std::size_t next = 0;
+  for (pugi::xml_attribute attribute : element.attributes()) {
+    const std::string_view name = attribute.name();
+    std::optional<std::size_t> slot;
+    if (next < bag.size() && bag.defAt(next).name == name)
+      slot = next;
+    else
+      slot = bag.find(name);
+    if (slot) {
+      loadKnownAttribute(bag, *slot, name, attribute.value());
+      next = *slot + 1;
+    } else {
+      loadUnknownAttribute(bag, name, attribute.value(), isProjectRoot);
+    }
+  }
+}
+
+std::string BagFileText(const AttributeDef& def, const Variant& value) {
   if (def.dataType == "Boolean") {
     const bool on = value.type() == VarType::Boolean ? value.boolean() : false;
     return on ? "1" : "0";
   }
   std::string text = value.toText();
-  if (text::toLower(def.name) == "fldtagvalues") text = text::replaceAll(text, text::kCrLf, "|");
+  if (isTagValues(def.name)) text = text::replaceAll(text, text::kCrLf, "|");
   return text;
 }
 
-}  // namespace
-
-void LoadBagFromElement(AGProperties& bag, const pugi::xml_node& element, bool isProjectRoot) {
-  for (pugi::xml_attribute attribute : element.attributes()) {
-    const std::string_view name = attribute.name();
-    if (auto slot = bag.find(name))
-      loadKnownAttribute(bag, *slot, name, attribute.value());
-    else
-      loadUnknownAttribute(bag, name, attribute.value(), isProjectRoot);
-  }
-}
-
-void WriteBagToElement(const AGProperties& bag, pugi::xml_node element) {
+void WriteBagAttributes(const AGProperties& bag, XmlTextWriter& out) {
   for (std::size_t slot = 0; slot < bag.size(); ++slot) {
     const AttributeDef& def = bag.defAt(slot);
-    if (!def.fileSave) continue;
-    element.append_attribute(def.name.c_str()).set_value(fileText(def, bag.valueAt(slot)).c_str());
+    if (def.fileSave) out.attribute(def.name, BagFileText(def, bag.valueAt(slot)));
   }
 }
 

@@ -9,12 +9,18 @@
 #include <pugixml.hpp>
 
 #include "core/properties.h"
+#include "platform/xml_text_writer.h"
 
 namespace bw {
 
 // `isProjectRoot`: the element is the file's root `Project`, whose unknown
 // attributes take their type from the custom setting file.
 void LoadBagFromElement(AGProperties& bag, const pugi::xml_node& element, bool isProjectRoot);
-void WriteBagToElement(const AGProperties& bag, pugi::xml_node element);
+// An attribute's value as the file holds it: Booleans as "1" and "0", the
+// lines of FldTagValues joined with "|".
+std::string BagFileText(const AttributeDef& def, const Variant& value);
+
+// The attributes of the element the writer has just opened.
+void WriteBagAttributes(const AGProperties& bag, XmlTextWriter& out);
 
 }  // namespace bw

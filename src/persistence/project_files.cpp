@@ -14,7 +14,6 @@ namespace bw {
 namespace {
 
 namespace fs = std::filesystem;
-constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
 
 std::string backupPath(const std::string& folder, const std::string& fileName, int number) {
   return files::joinPath(folder, BackupFileName(fileName, number));
@@ -77,20 +76,25 @@ void BackupProjectFile(const std::string& path, const std::string& folder, int m
                 fs::copy_options::overwrite_existing, ignored);
 }
 
-bool SaveDom(const std::string& path, const pugi::xml_document& document, bool utf8,
-             std::string& error) {
+bool WriteProjectText(const std::string& path, std::string_view bytes, std::string& error) {
   if (readOnly(path)) {
     error = "Permission denied: '" + path + "' is read-only";
     return false;
   }
-  const std::string bytes = utf8 ? std::string(kUtf8Bom) + serialised(document, pugi::encoding_utf8)
-                                 : serialised(document, declaredEncoding(document));
   return files::writeFileAtomic(path, bytes, &error);
+}
+
+bool SaveDom(const std::string& path, const pugi::xml_document& document, bool utf8,
+             std::string& error) {
+  const std::string bytes =
+      utf8 ? std::string(kUtf8ByteOrderMark) + serialised(document, pugi::encoding_utf8)
+           : serialised(document, declaredEncoding(document));
+  return WriteProjectText(path, bytes, error);
 }
 
 bool WriteUtf8File(const std::string& path, const std::string& text) {
   std::string error;
-  if (files::writeFileAtomic(path, std::string(kUtf8Bom) + text, &error)) return true;
+  if (files::writeFileAtomic(path, std::string(kUtf8ByteOrderMark) + text, &error)) return true;
   AGPVarsData& vars = AGPVars();
   vars.host->showMessage(
       "Error in writing utf8 data to file '" + path + "', error description: " + error,
@@ -103,7 +107,7 @@ std::string DetectEncoding(const std::string& path) {
   char head[3] = {};
   in.read(head, 3);
   const std::string_view bytes(head, static_cast<std::size_t>(in.gcount()));
-  if (bytes == kUtf8Bom) return "UTF-8";
+  if (bytes == kUtf8ByteOrderMark) return "UTF-8";
   if (bytes.starts_with("\xFE\xFF")) return "UNICODE BIG";
   if (bytes.starts_with("\xFF\xFE")) return "UNICODE";
   return {};

@@ -4,6 +4,7 @@
 
 #include <pugixml.hpp>
 #include <string>
+#include <string_view>
 
 namespace bw {
 
@@ -22,6 +23,12 @@ std::string BackupFileName(const std::string& fileName, int number);
 // read-only file is not replaced. False with `error` set on failure.
 bool SaveDom(const std::string& path, const pugi::xml_document& document, bool utf8,
              std::string& error);
+
+inline constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
+
+// Replaces the file at `path` with `bytes`: written beside it and renamed
+// into place. A read-only file is not replaced. False with `error` set.
+bool WriteProjectText(const std::string& path, std::string_view bytes, std::string& error);
 
 // Writes `text` as UTF-8 with a byte order mark, replacing the file
 // atomically. A failure is shown in a message box.

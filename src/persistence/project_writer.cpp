@@ -1,8 +1,6 @@
-// AGP::Save: the project, its definition model and the stores into one XML
-// document, written over the project file after the old one became its
-// newest backup.
-#include <pugixml.hpp>
-
+// AGP::Save: the project, its definition model and the stores written as
+// one XML text over the project file, after the old one became its newest
+// backup.
 #include <exception>
 #include <string>
 #include <vector>
@@ -22,19 +20,14 @@
 #include "persistence/project_files.h"
 #include "platform/host.h"
 #include "platform/text.h"
+#include "platform/xml.h"
+#include "platform/xml_text_writer.h"
 #include "template/custom_scripts.h"
 
 namespace bw {
 namespace {
 
-constexpr const char* kCrLf = "\r\n";
-
-void newline(pugi::xml_node parent) { parent.append_child(pugi::node_pcdata).set_value(kCrLf); }
-
-void setAttributes(pugi::xml_node element,
-                   std::initializer_list<std::pair<const char*, std::string>> attributes) {
-  for (const auto& [name, value] : attributes) element.append_attribute(name) = value.c_str();
-}
+using Attributes = std::initializer_list<std::pair<const char*, std::string>>;
 
 std::string flag(bool on) { return on ? "1" : "0"; }
 
@@ -69,152 +62,168 @@ class SequenceRepair {
   std::vector<bool> taken_;
 };
 
+// The project file in the form of a raw XML document: every line end is a
+// CR LF text node at its fixed place, written as the elements are.
 class ProjectWriter {
  public:
-  explicit ProjectWriter(AGP& project) : project_(project) {}
+  ProjectWriter(AGP& project, std::string& text) : project_(project), out_(text) {}
 
-  pugi::xml_document build();
+  void write();
 
  private:
-  void writeDatabase(pugi::xml_node root, AGPDatabase& db);
-  void writeExtensions(pugi::xml_node root);
-  void writeMasterDetails(pugi::xml_node root);
-  void writeCustomScripts(pugi::xml_node root);
-  void writeMenus(pugi::xml_node root);
-  void writePhrases(pugi::xml_node root);
+  void element(const char* name, Attributes attributes);  // an empty element
+  void newline() { out_.text("\r\n"); }
+  void writeDatabase(AGPDatabase& db);
+  void writeExtensions();
+  void writeMasterDetails();
+  void writeCustomScripts();
+  void writeMenus();
+  void writePhrases();
 
   AGP& project_;
+  XmlTextWriter out_;
 };
 
-pugi::xml_document ProjectWriter::build() {
-  pugi::xml_document doc;
-  pugi::xml_node declaration = doc.append_child(pugi::node_declaration);
-  setAttributes(declaration, {{"version", "1.0"}, {"encoding", "UTF-8"}, {"standalone", "yes"}});
-  pugi::xml_node root = doc.append_child("Project");
-  WriteBagToElement(*project_.Properties(), root);
-  root.remove_attribute("ProjVar");
-  root.remove_attribute("SyncLog");
-  for (const auto& [name, value] : {std::pair<const char*, std::string>{"Version", AppVersionText()},
-                                    {"Product", AGPVars().ProductName}}) {
-    pugi::xml_attribute a = root.attribute(name);
-    (a ? a : root.append_attribute(name)) = value.c_str();
-  }
-  newline(root);
-  if (Ref<AGPDatabase> db = project_.DB()) writeDatabase(root, *db);
-  writeExtensions(root);
-  writeMasterDetails(root);
-  writeCustomScripts(root);
-  writeMenus(root);
-  writePhrases(root);
-  return doc;
+void ProjectWriter::element(const char* name, Attributes attributes) {
+  out_.open(name);
+  for (const auto& [attribute, value] : attributes) out_.attribute(attribute, value);
+  out_.close();
 }
 
-void ProjectWriter::writeDatabase(pugi::xml_node root, AGPDatabase& db) {
-  pugi::xml_node database = root.append_child("Database");
-  WriteBagToElement(db.bag(), database);
-  newline(database);
+void ProjectWriter::write() {
+  out_.declaration();
+  out_.open("Project");
+  // The bag may hold Version and Product from the file read; they are
+  // written in the bag's place, with this release's values.
+  const AGProperties& bag = *project_.Properties();
+  const std::pair<std::string_view, std::string> fixed[] = {{"Version", AppVersionText()},
+                                                            {"Product", AGPVars().ProductName}};
+  for (std::size_t slot = 0; slot < bag.size(); ++slot) {
+    const AttributeDef& def = bag.defAt(slot);
+    if (!def.fileSave || def.name == "ProjVar" || def.name == "SyncLog") continue;
+    if (def.name == "Version" || def.name == "Product") continue;
+    out_.attribute(def.name, BagFileText(def, bag.valueAt(slot)));
+  }
+  for (const auto& [name, value] : fixed) out_.attribute(name, value);
+  newline();
+  if (Ref<AGPDatabase> db = project_.DB()) writeDatabase(*db);
+  writeExtensions();
+  writeMasterDetails();
+  writeCustomScripts();
+  writeMenus();
+  writePhrases();
+  out_.close();
+}
+
+void ProjectWriter::writeDatabase(AGPDatabase& db) {
+  out_.open("Database");
+  WriteBagAttributes(db.bag(), out_);
+  newline();
   for (DefinitionObject* table : db.Tables()->bySequence()) {
-    pugi::xml_node tableElement = database.append_child("Table");
-    WriteBagToElement(table->bag(), tableElement);
-    tableElement.remove_attribute("TblSeq");
-    newline(database);
-    newline(tableElement);
+    out_.open("Table");
+    WriteBagAttributes(table->bag(), out_);
+    newline();
     for (DefinitionObject* field : static_cast<AGPTable*>(table)->Fields()->bySequence()) {
-      pugi::xml_node fieldElement = tableElement.append_child("Field");
-      WriteBagToElement(field->bag(), fieldElement);
-      fieldElement.remove_attribute("FldSeq");
-      newline(tableElement);
+      out_.open("Field");
+      WriteBagAttributes(field->bag(), out_);
+      out_.close();
+      newline();
     }
+    out_.close();
+    newline();
   }
+  out_.close();
 }
 
-void ProjectWriter::writeExtensions(pugi::xml_node root) {
+void ProjectWriter::writeExtensions() {
   const std::vector<Extension>& extensions = Extensions().extensions();
   if (extensions.empty()) return;
-  newline(root);
+  newline();
   for (const Extension& extension : extensions) {
     if (extension.element)
-      root.append_copy(extension.element->document_element());
+      out_.markup(xml::outerXml(extension.element->document_element()));
     else
-      root.append_child("Extension").append_attribute("Name") = extension.Name.c_str();
-    newline(root);
+      element("Extension", {{"Name", extension.Name}});
+    newline();
   }
 }
 
-void ProjectWriter::writeMasterDetails(pugi::xml_node root) {
+void ProjectWriter::writeMasterDetails() {
   AGPMasterDetails& list = MasterDetails();
   if (list.Count() == 0) return;
   list.CheckSequence();
-  newline(root);
+  newline();
   for (std::int16_t seq = 1; seq <= list.Count(); ++seq) {
     Ref<AGPMasterDetail> item = list.Seq(seq);
     if (!item) continue;
-    pugi::xml_node element = root.append_child("MasterDetail");
-    setAttributes(element, {{"MasterTable", item->MasterTable()},
-                            {"DetailTable", item->DetailTable()},
-                            {"EnforceReferentialIntegrity", flag(item->EnforceReferentialIntegrity())},
-                            {"CascadeUpdate", flag(item->CascadeUpdate())},
-                            {"CascadeDelete", flag(item->CascadeDelete())}});
-    newline(root);
-    newline(element);
+    out_.open("MasterDetail");
+    for (const auto& [name, value] :
+         Attributes{{"MasterTable", item->MasterTable()},
+                    {"DetailTable", item->DetailTable()},
+                    {"EnforceReferentialIntegrity", flag(item->EnforceReferentialIntegrity())},
+                    {"CascadeUpdate", flag(item->CascadeUpdate())},
+                    {"CascadeDelete", flag(item->CascadeDelete())}})
+      out_.attribute(name, value);
+    newline();
     for (std::int16_t k = 1; k <= item->FieldCount(); ++k) {
-      setAttributes(element.append_child("Relation"),
-                    {{"MasterField", item->MasterField(k)}, {"DetailField", item->DetailField(k)}});
-      newline(element);
+      element("Relation", {{"MasterField", item->MasterField(k)}, {"DetailField", item->DetailField(k)}});
+      newline();
     }
+    out_.close();
+    newline();
   }
 }
 
-void ProjectWriter::writeCustomScripts(pugi::xml_node root) {
+void ProjectWriter::writeCustomScripts() {
   const std::vector<CustomScript>& scripts = CustomScripts().scripts();
   if (scripts.empty()) return;
-  newline(root);
+  newline();
   for (const CustomScript& script : scripts) {
-    pugi::xml_node element = root.append_child("CustomScript");
-    setAttributes(element, {{"ScriptType", script.ScriptType},
-                            {"ScriptCodeType", script.ScriptCodeType},
-                            {"ScriptName", script.ScriptName},
-                            {"ScriptLanguage", script.ScriptLanguage},
-                            {"ScriptCtrlID", script.ScriptCtrlID},
-                            {"ScriptL1Key", script.ScriptL1Key},
-                            {"ScriptL2Key", script.ScriptL2Key}});
-    newline(root);
-    newline(element);
-    element.append_child(pugi::node_cdata).set_value(script.ScriptCode.c_str());
-    newline(element);
+    out_.open("CustomScript");
+    for (const auto& [name, value] : Attributes{{"ScriptType", script.ScriptType},
+                                                {"ScriptCodeType", script.ScriptCodeType},
+                                                {"ScriptName", script.ScriptName},
+                                                {"ScriptLanguage", script.ScriptLanguage},
+                                                {"ScriptCtrlID", script.ScriptCtrlID},
+                                                {"ScriptL1Key", script.ScriptL1Key},
+                                                {"ScriptL2Key", script.ScriptL2Key}})
+      out_.attribute(name, value);
+    newline();
+    out_.cdata(script.ScriptCode);
+    newline();
+    out_.close();
+    newline();
   }
 }
 
-void ProjectWriter::writeMenus(pugi::xml_node root) {
+void ProjectWriter::writeMenus() {
   const std::vector<Ref<AGPMenu>>& items = Menus().items();
   if (items.empty()) return;
-  newline(root);
+  newline();
   for (const Ref<AGPMenu>& m : items) {
-    setAttributes(root.append_child("Menu"),
-                  {{"MenuID", std::to_string(m->MenuId)},
-                   {"MenuText", m->MenuText},
-                   {"MenuParentID", std::to_string(m->MenuParentId)},
-                   {"MenuGroup", flag(m->MenuGroup)},
-                   {"MenuSource", m->MenuSource},
-                   {"MenuExtUrl", m->MenuExtUrl},
-                   {"MenuAnonymous", std::to_string(m->MenuAnonymous)},
-                   {"MenuSecurity", m->MenuSecurity},
-                   {"MenuUrl", m->MenuUrl},
-                   {"MenuCustomUrl", flag(m->MenuCustomUrl)},
-                   {"MenuLevel", std::to_string(m->MenuLevel)},
-                   {"MenuShow", flag(m->MenuShow)},
-                   {"MenuDisplayOrder", std::to_string(m->MenuDisplayOrder)}});
-    newline(root);
+    element("Menu", {{"MenuID", std::to_string(m->MenuId)},
+                     {"MenuText", m->MenuText},
+                     {"MenuParentID", std::to_string(m->MenuParentId)},
+                     {"MenuGroup", flag(m->MenuGroup)},
+                     {"MenuSource", m->MenuSource},
+                     {"MenuExtUrl", m->MenuExtUrl},
+                     {"MenuAnonymous", std::to_string(m->MenuAnonymous)},
+                     {"MenuSecurity", m->MenuSecurity},
+                     {"MenuUrl", m->MenuUrl},
+                     {"MenuCustomUrl", flag(m->MenuCustomUrl)},
+                     {"MenuLevel", std::to_string(m->MenuLevel)},
+                     {"MenuShow", flag(m->MenuShow)},
+                     {"MenuDisplayOrder", std::to_string(m->MenuDisplayOrder)}});
+    newline();
   }
 }
 
 // Phrases of items that no longer exist are dropped here.
-void ProjectWriter::writePhrases(pugi::xml_node root) {
+void ProjectWriter::writePhrases() {
   const AGPLanguage& language = Language();
-  const auto write = [&](const char* element,
-                         std::initializer_list<std::pair<const char*, std::string>> attributes) {
-    setAttributes(root.append_child(element), attributes);
-    newline(root);
+  const auto write = [&](const char* name, Attributes attributes) {
+    element(name, attributes);
+    newline();
   };
   for (const ProjectPhrase& p : language.projectPhrases())
     if (!p.Phrase.empty())
@@ -278,7 +287,8 @@ void AGP::Save(const std::string& projFile) {
   try {
     CheckSequences();
     GetSystemCharset();
-    const pugi::xml_document doc = ProjectWriter(*this).build();
+    std::string text(kUtf8ByteOrderMark);
+    ProjectWriter(*this, text).write();
     std::int16_t maxCount =
         ConvertSetting(ReadSetting("HKCU", vars.RegGeneral, "MaxProjectBackupCount"),
                        DataKind::Integer)
@@ -287,7 +297,7 @@ void AGP::Save(const std::string& projFile) {
     if (maxCount < 1) maxCount = 10;
     BackupProjectFile(projFile, vars.BackupFolder, maxCount);
     std::string error;
-    if (!SaveDom(projFile, doc, true, error)) throw std::runtime_error(error);
+    if (!WriteProjectText(projFile, text, error)) throw std::runtime_error(error);
     vars.Dirty = false;
     vars.ProjectFile = projFile;
   } catch (const AutomationError& e) {

@@ -1,5 +1,7 @@
 #include "platform/xml.h"
 
+#include <sstream>
+
 #include "platform/files.h"
 
 namespace bw::xml {
@@ -35,6 +37,12 @@ std::string_view localName(const pugi::xml_node& node) {
   std::string_view name = node.name();
   auto colon = name.find(':');
   return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+std::string outerXml(const pugi::xml_node& node) {
+  std::ostringstream out;
+  node.print(out, "", pugi::format_raw);
+  return out.str();
 }
 
 }  // namespace bw::xml

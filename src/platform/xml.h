@@ -24,6 +24,9 @@ LoadResult loadFile(pugi::xml_document& doc, std::string_view path,
 LoadResult loadText(pugi::xml_document& doc, std::string_view text,
                     LineEnds lineEnds = LineEnds::Normalize);
 
+// The node as raw XML text, without line breaks or indentation added.
+std::string outerXml(const pugi::xml_node& node);
+
 // The element name without a namespace prefix.
 std::string_view localName(const pugi::xml_node& node);
 

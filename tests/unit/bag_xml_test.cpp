@@ -29,12 +29,12 @@ class BagXmlTest : public testing::EngineTest {
   }
 
   std::string written(const AGProperties& bag) {
-    pugi::xml_document out;
-    pugi::xml_node e = out.append_child("Field");
-    WriteBagToElement(bag, e);
-    std::ostringstream s;
-    e.print(s, "", pugi::format_raw);
-    return s.str();
+    std::string text;
+    XmlTextWriter out(text);
+    out.open("Field");
+    WriteBagAttributes(bag, out);
+    out.close();
+    return text;
   }
 
   pugi::xml_document doc_;
