@@ -10,8 +10,10 @@ namespace {
 
 // Two attributes are stored differently in the file; they are recognised by
 // name without building a lower-case copy for every attribute read.
-bool isScriptPath(std::string_view name) { return text::iequals(name, "js"); }
-bool isTagValues(std::string_view name) { return text::iequals(name, "FldTagValues"); }
+bool isScriptPath(std::string_view name) { return name.size() == 2 && text::iequals(name, "js"); }
+bool isTagValues(std::string_view name) {
+  return name.size() == 12 && text::iequals(name, "FldTagValues");
+}
 
 void loadKnownAttribute(AGProperties& bag, std::size_t slot, std::string_view name,
                         const char* value) {
@@ -19,11 +21,11 @@ void loadKnownAttribute(AGProperties& bag, std::size_t slot, std::string_view na
   if (!def.fileSave) return;
   if (isScriptPath(name)) {
     // A script path counts only while the file is there.
-    if (*value && files::fileExists(value)) bag.setValueAt(slot, ConvertValue(Variant(value), def.kind()));
+    if (*value && files::fileExists(value)) bag.assignAt(slot, ConvertValue(Variant(value), def.kind()));
   } else if (isTagValues(name)) {
-    bag.setValueAt(slot, Variant(text::replaceAll(value, "|", text::kCrLf)));
+    bag.assignAt(slot, Variant(text::replaceAll(value, "|", text::kCrLf)));
   } else {
-    bag.setValueAt(slot, ConvertValue(Variant(value), def.kind()));
+    bag.assignAt(slot, ConvertValue(Variant(value), def.kind()));
   }
 }
 
@@ -33,7 +35,7 @@ void loadUnknownAttribute(AGProperties& bag, std::string_view name, const char* 
       isProjectRoot ? Settings().LoadSettingType("Project", std::string(name)) : "String";
   AttributeDef def{std::string(name), type};
   bag.add(def);
-  bag.setValueAt(bag.size() - 1, ConvertSetting(Variant(value), type));
+  bag.assignAt(bag.size() - 1, ConvertSetting(Variant(value), type));
 }
 
 

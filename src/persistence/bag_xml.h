@@ -13,6 +13,8 @@
 
 namespace bw {
 
+// Reading a file is no change: the values are assigned without marking the
+// project dirty.
 // `isProjectRoot`: the element is the file's root `Project`, whose unknown
 // attributes take their type from the custom setting file.
 void LoadBagFromElement(AGProperties& bag, const pugi::xml_node& element, bool isProjectRoot);

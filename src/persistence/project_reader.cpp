@@ -4,6 +4,8 @@
 #include <pugixml.hpp>
 
 #include <exception>
+#include <iterator>
+#include <optional>
 #include <string>
 
 #include "core/agp.h"
@@ -24,6 +26,7 @@
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/xml.h"
+#include "platform/xml_outline.h"
 #include "schema/dialect.h"
 #include "template/code_base.h"
 #include "template/custom_scripts.h"
@@ -77,12 +80,6 @@ std::optional<std::string> convertFile(const std::string& path) {
   }
 }
 
-// The XML parse error of `path` in the words the user sees.
-std::string parseFailure(const std::string& path, const xml::LoadResult& result) {
-  if (result.offset < 0) return {};
-  const std::string text = files::readFile(path).value_or("");
-  return ParseErrorMessage(LocateParseError(text, static_cast<std::size_t>(result.offset)));
-}
 
 // Quote characters of a value of ADO type `type` in SQL text; nullopt for
 // types whose quotes the file decides.
@@ -100,11 +97,61 @@ std::optional<std::string_view> valueQuote(std::int32_t type, bool access) {
   }
 }
 
-// The first field carries FldDbDefault in every file since it exists.
-bool fieldsLackDbDefault(const pugi::xml_node& root) {
-  const pugi::xml_node field = root.child("Database").child("Table").child("Field");
-  return field && !field.attribute("FldDbDefault");
+// Files written since FldDbDefault exists have it on every field; one
+// without it on the first field predates it.
+std::optional<bool> tableLacksDbDefault(const pugi::xml_node& table) {
+  const pugi::xml_node field = table.child("Field");
+  if (!field) return std::nullopt;
+  return !field.attribute("FldDbDefault");
 }
+
+void blankDbDefaults(pugi::xml_node table) {
+  for (pugi::xml_node field : table.children("Field")) {
+    pugi::xml_attribute a = field.attribute("FldDbDefault");
+    (a ? a : field.append_attribute("FldDbDefault")) = "";
+  }
+}
+
+// A project file as read: one document, or, for a file the outline scan
+// can cut, the document without the content of its Database element and
+// that content's elements as texts, parsed one at a time while loading.
+// Either way only a part of the file is ever a tree.
+struct ProjectDocument {
+  std::string text;
+  pugi::xml_document doc;
+  std::vector<std::string_view> databaseItems;
+  bool cut = false;
+
+  // False with `failure` set when the file cannot be read or is no XML;
+  // the failure's offset is one in `text`.
+  bool read(const std::string& path, xml::LoadResult& failure) {
+    auto bytes = files::readFile(path);
+    if (!bytes) {
+      failure = xml::loadFile(doc, path);
+      return false;
+    }
+    text = std::move(*bytes);
+    databaseItems.clear();
+    cut = cutAtDatabase();
+    if (cut) return true;
+    failure = xml::loadText(doc, text);
+    return failure.ok;
+  }
+
+ private:
+  bool cutAtDatabase() {
+    auto root = xml::outlineRoot(text);
+    auto database = root ? xml::findChild(text, *root, "Database") : std::nullopt;
+    auto items = database ? xml::outlineChildren(text, *database) : std::nullopt;
+    if (!items) return false;
+    const std::string rest =
+        text.substr(0, database->contentBegin) + text.substr(database->contentEnd);
+    if (!xml::loadText(doc, rest)) return false;
+    for (const xml::ElementSpan& item : *items)
+      databaseItems.push_back(std::string_view(text).substr(item.begin, item.end - item.begin));
+    return true;
+  }
+};
 
 void loadMenuItem(AGPMenu& menu, const pugi::xml_node& element) {
   for (const pugi::xml_attribute& a : element.attributes()) {
@@ -144,7 +191,8 @@ class ProjectReader {
   void loadDocument();
   void convertForeignFormat();
   void checkVersion();
-  void blankMissingDbDefaults();
+  bool readConverted(const std::string& convertedPath);
+  void loadDatabaseItems();
   void loadMenus();
   void showProgress();
   void loadProjectAttributes();
@@ -160,14 +208,15 @@ class ProjectReader {
   void ensureProjectIds();
   void takeDatabaseSettings();
 
-  pugi::xml_node root() const { return doc_.document_element(); }
+  pugi::xml_node root() const { return file_.doc.document_element(); }
 
   AGP& project_;
   AGPVarsData& vars_;
-  pugi::xml_document doc_;
+  ProjectDocument file_;
   std::string path_;
   std::string version_;
   bool converted_ = false;
+  std::optional<bool> needDbDefault_;  // known at the first field
   std::int32_t progressTotal_ = 0;
   AGPDatabase* db_ = nullptr;
   AGPTable* table_ = nullptr;
@@ -196,10 +245,8 @@ void ProjectReader::read(const std::string& projFile) {
   loadCodeBase();
   loadDocument();
   version_ = root().attribute("Version").value();
-  const bool needDbDefault = fieldsLackDbDefault(root());
   convertForeignFormat();
   checkVersion();
-  if (needDbDefault) blankMissingDbDefaults();
   loadMenus();
   project_.keywordFile_ = ReadSetting("HKCU", vars_.RegGeneral, "Keyword").toText();
   Keywords().Load(Variant(project_.keywordFile_));
@@ -245,11 +292,24 @@ void ProjectReader::loadCodeBase() {
 }
 
 void ProjectReader::loadDocument() {
-  const xml::LoadResult result = xml::loadFile(doc_, path_);
-  if (result) return;
-  const std::string parseError = parseFailure(path_, result);
-  if (!parseError.empty()) stop(productError("Load project file failed! " + parseError));
-  throw std::runtime_error(result.reason);
+  xml::LoadResult failure;
+  if (file_.read(path_, failure)) return;
+  if (failure.offset >= 0) {
+    const auto place = LocateParseError(file_.text, static_cast<std::size_t>(failure.offset));
+    stop(productError("Load project file failed! " + ParseErrorMessage(place)));
+  }
+  throw std::runtime_error(failure.reason);
+}
+
+// Takes the converter's output in place of the file when it reads.
+bool ProjectReader::readConverted(const std::string& convertedPath) {
+  ProjectDocument converted;
+  xml::LoadResult failure;
+  if (!converted.read(convertedPath, failure)) return false;
+  file_ = std::move(converted);
+  path_ = convertedPath;
+  converted_ = true;
+  return true;
 }
 
 // A file of another format goes through the converter first.
@@ -257,43 +317,24 @@ void ProjectReader::convertForeignFormat() {
   const std::string extension = fileExtension(path_);
   if (extension.empty() || extension == vars_.ProjectExt) return;
   const auto convertedPath = convertFile(path_);
-  pugi::xml_document convertedDoc;
-  if (!convertedPath || !xml::loadFile(convertedDoc, *convertedPath))
+  if (!convertedPath || !readConverted(*convertedPath))
     stop(productError("Unable to convert project file from '" + extension + "' to '" +
                       vars_.ProjectExt + "'."));
-  doc_.reset(convertedDoc);
-  path_ = *convertedPath;
   version_ = root().attribute("Version").value();
-  converted_ = true;
 }
 
 void ProjectReader::checkVersion() {
   switch (CompareVersion(version_, vars_.ProjectVersion)) {
-    case -1: {
+    case -1:
       // An older file the converter cannot bring forward loads as it is.
-      const auto convertedPath = convertFile(path_);
-      pugi::xml_document convertedDoc;
-      if (convertedPath && xml::loadFile(convertedDoc, *convertedPath)) {
-        doc_.reset(convertedDoc);
-        path_ = *convertedPath;
-        converted_ = true;
-      }
+      if (const auto convertedPath = convertFile(path_)) readConverted(*convertedPath);
       return;
-    }
     case 2:
       stop(productError("Project file version (" + version_ + ") newer than software (" +
                         project_.AppVersion() + ")! Please check!"));
     default:
       return;
   }
-}
-
-void ProjectReader::blankMissingDbDefaults() {
-  for (pugi::xml_node table : root().child("Database").children("Table"))
-    for (pugi::xml_node field : table.children("Field")) {
-      pugi::xml_attribute a = field.attribute("FldDbDefault");
-      (a ? a : field.append_attribute("FldDbDefault")) = "";
-    }
 }
 
 // The menu list is replaced from the document already read, rather than by
@@ -314,10 +355,9 @@ void ProjectReader::loadMenus() {
 }
 
 void ProjectReader::showProgress() {
-  const pugi::xml_node database = root().child("Database");
-  progressTotal_ = 0;
-  for (pugi::xml_node child = database.first_child(); child; child = child.next_sibling())
-    ++progressTotal_;
+  const auto children = root().child("Database").children();
+  progressTotal_ = static_cast<std::int32_t>(
+      file_.cut ? file_.databaseItems.size() : std::distance(children.begin(), children.end()));
   vars_.ProgressTotal = progressTotal_;
   vars_.ProgressDone = 0;
   if (progressTotal_ > 0) Status().ShowStatus(project_.hwnd(), "Loading Project File...");
@@ -358,7 +398,25 @@ void ProjectReader::loadDatabase(const pugi::xml_node& element) {
   db_ = project_.addDatabase(name).get();
   if (!db_) return;
   LoadBagFromElement(db_->bag(), element, false);
-  loadProjectNodes(element);
+  if (file_.cut)
+    loadDatabaseItems();
+  else
+    loadProjectNodes(element);
+}
+
+// The tables of a file read in pieces: each parsed, loaded and let go.
+void ProjectReader::loadDatabaseItems() {
+  for (const std::string_view item : file_.databaseItems) {
+    pugi::xml_document piece;
+    const pugi::xml_parse_result parsed = piece.load_buffer(item.data(), item.size());
+    if (!parsed) {
+      const std::size_t offset =
+          static_cast<std::size_t>(item.data() - file_.text.data()) + static_cast<std::size_t>(parsed.offset);
+      stop(productError("Load project file failed! " +
+                        ParseErrorMessage(LocateParseError(file_.text, offset))));
+    }
+    loadProjectNodes(piece);
+  }
 }
 
 void ProjectReader::loadTable(const pugi::xml_node& element) {
@@ -368,6 +426,10 @@ void ProjectReader::loadTable(const pugi::xml_node& element) {
     Status().DispStatus("Loading TABLE/VIEW \"" + name + "\"...");
     ++vars_.ProgressDone;
     Status().SetStatus(Variant(ProgressPercent(vars_.ProgressDone, progressTotal_)));
+  }
+  if (std::string_view(element.name()) == "Table") {
+    if (!needDbDefault_) needDbDefault_ = tableLacksDbDefault(element);
+    if (needDbDefault_.value_or(false)) blankDbDefaults(element);
   }
   AGPTable* table = db_->Tables()->appendLoaded(name);
   if (!table) return;
