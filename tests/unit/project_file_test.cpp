@@ -176,6 +176,19 @@ TEST_F(ProjectFileTest, BrokenInputsGiveTheirMessagesAndChangeNothing) {
       << AGPVars().ProjErr;
 }
 
+TEST_F(ProjectFileTest, AnErrorInsideATableNamesItsPlaceInTheWholeFile) {
+  // The tables are parsed one by one; the place is still the file's.
+  const std::string path = writeTempFile(
+      "bad.agx", projectXml("Version=\"12.0\"",
+                            "<Database DBName=\"d\">\r\n<Table TblName=\"a\">\r\n"
+                            "<Field FldName=\"x\"/>\r\n</Table>\r\n<Table TblName=\"b\">\r\n"
+                            "  <Field FldName=x/>\r\n</Table>\r\n</Database>\r\n"));
+  load(path);
+  EXPECT_EQ(AGPVars().ProjErr,
+            "Brindlework: Load project file failed! Parse error: line 8, character 18\r\n"
+            "  <Field FldName=x");
+}
+
 TEST_F(ProjectFileTest, OlderFilesLoadAsTheyAreWhenTheyCannotBeConverted) {
   Ref<AGP> project = load(writeTempFile("old.agx", projectXml("Version=\"11.5\"", kDatabase)));
   EXPECT_EQ(AGPVars().ProjErr, "");
