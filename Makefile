@@ -20,17 +20,22 @@ build: configure
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
-# The demo prints the version and runs a small template through the script
-# host, with the settings of a scratch folder so that it changes nothing of
-# the user's.
+# The demo prints the version, runs templates through the script host, and
+# reads, shows and saves the example project, with the settings of a scratch
+# folder so that it changes nothing of the user's.
 DEMO_HOME = $(BUILD)/demo-home
 DEMO_ENV = BRINDLEWORK_USER_HIVE=$(DEMO_HOME)/user.reg BRINDLEWORK_DOCUMENTS=$(DEMO_HOME)/Documents
+DEMO = $(DEMO_ENV) $(BUILD)/bin/brindlework
 demo: build
 	$(BUILD)/bin/brindlework --version
 	mkdir -p $(DEMO_HOME)
-	$(DEMO_ENV) $(BUILD)/bin/brindlework parse 'a<!--##=1+1##-->b'
-	$(DEMO_ENV) $(BUILD)/bin/brindlework parse \
-	  '<ul><!--## for (var k = 1; k <= 3; k++) { ##--><li><!--##=PROJ.ProgramLanguage##--> page <!--##=k##--></li><!--## } ##--></ul>'
+	$(DEMO) parse 'a<!--##=1+1##-->b'
+	$(DEMO) parse --project examples/shop.agx \
+	  '<ul><!--## for (var k = 1; k <= PROJ.DB.Tables.Count(); k++) { var t = PROJ.DB.Tables.Seq(k); ##--><li><!--##=t.TblCaption##--> (<!--##=t.Fields.Count()##--> fields)</li><!--## } ##--></ul>'
+	$(DEMO) info examples/shop.agx --fields 2>/dev/null
+	$(DEMO) save examples/shop.agx -o $(DEMO_HOME)/shop.agx 2>/dev/null
+	$(DEMO) save $(DEMO_HOME)/shop.agx -o $(DEMO_HOME)/again.agx 2>/dev/null
+	cmp $(DEMO_HOME)/shop.agx $(DEMO_HOME)/again.agx && echo "saved twice: the same bytes"
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done
