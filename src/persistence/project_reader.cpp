@@ -230,12 +230,14 @@ void AGP::Load(const std::string& projFile, bool Sync) {
   vars.ProjErr.clear();
   try {
     ProjectReader(*this).read(projFile);
+    return;
   } catch (const LoadStopped&) {
   } catch (const AutomationError& e) {
     vars.ProjErr = productError("Load Project File failed! " + e.description());
   } catch (const std::exception& e) {
     vars.ProjErr = productError("Load Project File failed! " + std::string(e.what()));
   }
+  Status().CloseStatus();  // a load that stops midway leaves no progress display open
 }
 
 void ProjectReader::read(const std::string& projFile) {
