@@ -10,29 +10,14 @@
 #include <vector>
 
 #include "platform/text.h"
+#include "support/automation_expect.h"
 
 namespace bw {
 namespace {
 
 using namespace collection_error;
 
-// Expects `call` to raise error `number`, with `description` unless it is "".
-void expectError(std::int32_t number, std::string_view description,
-                 const std::function<void()>& call) {
-  try {
-    call();
-    ADD_FAILURE() << "expected error " << number;
-  } catch (const AutomationError& e) {
-    EXPECT_EQ(e.number(), number) << e.description();
-    if (!description.empty()) {
-      EXPECT_EQ(e.description(), description);
-    }
-  }
-}
-
-void expectError(std::int32_t number, const std::function<void()>& call) {
-  expectError(number, "", call);
-}
+using testing::expectError;
 
 // A collection of Longs 1..n keyed "k1".."kn".
 Ref<CSuperCollection> numbered(int n, std::int32_t base = 1) {
