@@ -98,6 +98,13 @@ class AGP : public Dispatch {
   // Adds the project's database and makes it current; none, with ProjErr
   // set, when the project has one already.
   Ref<AGPDatabase> addDatabase(const std::string& name);
+  // The database schema. LoadDB reads a whole schema into a new current
+  // database; LoadTable reads one table again, or first, when the database
+  // was loaded lazily. Both leave ProjErr "" on success.
+  void LoadDB(const Variant& sDbName, const Variant& sDbType, const Variant& sPath,
+              const Variant& sPhyPath, const Variant& bDBUseServerMapPath, const Variant& sUID,
+              const Variant& sPwd, const Variant& sConnStr, const Variant& sSchema);
+  void LoadTable(const std::string& sTableName);
   // The generator's working table; none outside generation.
   const Ref<AGPTable>& currentTable() const { return currentTable_; }
   void setCurrentTable(Ref<AGPTable> table) { currentTable_ = std::move(table); }
