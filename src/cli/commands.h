@@ -14,5 +14,6 @@ int parseCommand(const Arguments& args);     // run template text through ParseS
 int scriptCommand(const Arguments& args);    // run a JScript automation script
 int infoCommand(const Arguments& args);      // show a project file's database, tables and fields
 int saveCommand(const Arguments& args);      // load a project file and save it again
+int newCommand(const Arguments& args);       // create a project over a database
 
 }  // namespace bw::cli

@@ -22,8 +22,10 @@ struct FieldInfo {
   std::string typeName;
   bool primaryKey = false;
   bool autoIncrement = false;
+  bool unique = false;
   bool required = false;
   bool generate = false;
+  std::string htmlTag;
   std::string caption;
 };
 
@@ -32,6 +34,7 @@ struct TableInfo {
   std::string type;
   std::vector<std::string> key;  // primary key field names, sorted
   std::int32_t fieldCount = 0;
+  std::string error;  // why the table could not be read, if it could not
   std::vector<FieldInfo> fields;  // only when asked for
 };
 
@@ -73,8 +76,10 @@ FieldInfo readField(DefinitionObject& field) {
                    .typeName = field.attrText("FldTypeName"),
                    .primaryKey = field.attrBool("FldIsPrimaryKey"),
                    .autoIncrement = field.attrBool("FldAutoIncrement"),
+                   .unique = field.attrBool("FldUniqueIdx"),
                    .required = field.attrBool("FldReq"),
                    .generate = field.attrBool("FldGenerate"),
+                   .htmlTag = field.attrText("FldHtmlTag"),
                    .caption = field.attrText("FldCaption")};
 }
 
@@ -97,6 +102,7 @@ ProjectInfo readProject(AGP& project, bool withFields) {
     for (const std::string& line : text::split(table.attrText("TblKey"), "\r\n"))
       if (!line.empty()) t.key.push_back(line);
     t.fieldCount = table.Fields()->Count();
+    t.error = table.attrText("TblError");
     if (withFields)
       for (DefinitionObject* field : table.Fields()->bySequence())
         t.fields.push_back(readField(*field));
@@ -106,11 +112,11 @@ ProjectInfo readProject(AGP& project, bool withFields) {
 }
 
 // One letter per flag in a fixed place, "-" when unset, so that the flags
-// of a table's fields line up: "KA-G" is a generated, auto-incremented
+// of a table's fields line up: "KA--G" is a generated, auto-incremented
 // primary key that is not required.
 std::string flagLetters(const FieldInfo& f) {
-  return {f.primaryKey ? 'K' : '-', f.autoIncrement ? 'A' : '-', f.required ? 'R' : '-',
-          f.generate ? 'G' : '-'};
+  return {f.primaryKey ? 'K' : '-', f.autoIncrement ? 'A' : '-', f.unique ? 'U' : '-',
+          f.required ? 'R' : '-', f.generate ? 'G' : '-'};
 }
 
 std::string typeText(const FieldInfo& f) {
@@ -127,14 +133,15 @@ std::string padded(const std::string& s, std::size_t width) {
 }
 
 void printFields(std::ostream& out, const std::vector<FieldInfo>& fields) {
-  std::size_t nameWidth = 0, typeWidth = 0;
+  std::size_t nameWidth = 0, typeWidth = 0, tagWidth = 0;
   for (const FieldInfo& f : fields) {
     nameWidth = std::max(nameWidth, text::countChars(f.name));
     typeWidth = std::max(typeWidth, text::countChars(typeText(f)));
+    tagWidth = std::max(tagWidth, text::countChars(f.htmlTag));
   }
   for (const FieldInfo& f : fields) {
     std::string line = "  " + padded(f.name, nameWidth) + "  " + padded(typeText(f), typeWidth) +
-                       "  " + flagLetters(f);
+                       "  " + flagLetters(f) + "  " + padded(f.htmlTag, tagWidth);
     if (!f.caption.empty()) line += "  " + f.caption;
     out << line << '\n';
   }
@@ -148,12 +155,14 @@ void printText(std::ostream& out, const ProjectInfo& info, bool withFields) {
   }
   out << "Database: " << info.dbName << " (" << info.dbType << "), " << info.tables.size()
       << (info.tables.size() == 1 ? " table" : " tables") << '\n';
-  if (withFields) out << "Flags:    K primary key, A auto-increment, R required, G generated\n";
+  if (withFields)
+    out << "Flags:    K primary key, A auto-increment, U unique, R required, G generated; then the HTML tag\n";
   for (const TableInfo& t : info.tables) {
     out << '\n'
         << t.name << " (" << t.type
         << "), key: " << (t.key.empty() ? "none" : text::join(t.key, ", ")) << ", " << t.fieldCount
         << (t.fieldCount == 1 ? " field" : " fields") << '\n';
+    if (!t.error.empty()) out << "  not read: " << t.error << '\n';
     if (withFields) printFields(out, t.fields);
   }
 }
@@ -179,6 +188,7 @@ void printJson(std::ostream& out, const ProjectInfo& info, bool withFields) {
     for (const std::string& k : t.key) json.string(k);
     json.endArray();
     json.key("fieldCount").number(t.fieldCount);
+    if (!t.error.empty()) json.key("error").string(t.error);
     if (withFields) {
       json.key("fields").beginArray();
       for (const FieldInfo& f : t.fields) {
@@ -188,8 +198,10 @@ void printJson(std::ostream& out, const ProjectInfo& info, bool withFields) {
         json.key("typeName").string(f.typeName);
         json.key("primaryKey").boolean(f.primaryKey);
         json.key("autoIncrement").boolean(f.autoIncrement);
+        json.key("unique").boolean(f.unique);
         json.key("required").boolean(f.required);
         json.key("generate").boolean(f.generate);
+        json.key("htmlTag").string(f.htmlTag);
         json.key("caption").string(f.caption);
         json.endObject();
       }

@@ -27,6 +27,8 @@ const std::map<std::string, Command>& commands() {
       {"script", {"script FILE.js [--project P]", bw::cli::scriptCommand}},
       {"info", {"info PROJECT [--fields] [--json]", bw::cli::infoCommand}},
       {"save", {"save PROJECT [-o OUT]", bw::cli::saveCommand}},
+      {"new", {"new PROJECT --db-type SQLITE --db FILE [--name NAME] [--template ZIP] [--dest DIR] "
+               "[--language C#|VB]", bw::cli::newCommand}},
   };
   return table;
 }

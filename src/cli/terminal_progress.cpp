@@ -38,7 +38,9 @@ TerminalProgress::~TerminalProgress() {
 
 void TerminalProgress::open(StatusForm form, std::string_view caption) {
   form_ = form;
-  caption_ = caption;
+  // Captions may be padded with leading blanks to centre them in a window
+  // title; a terminal line starts at the left.
+  caption_ = caption.substr(std::min(caption.find_first_not_of(' '), caption.size()));
   info_.clear();
   percent_ = 0;
   open_ = true;

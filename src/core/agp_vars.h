@@ -56,6 +56,13 @@ struct AGPVarsData {
   std::string DBMSName;
   std::string QuoteStart, QuoteEnd;  // around table and field names in SQL
 
+  // Copies of the project's list and export settings, taken when a database
+  // is loaded; the table and field loaders start from them.
+  Variant DynamicLoadDB, RptIndent, RecPerPage, RecPerPageList, ExportHtml, ExportWord,
+      ExportExcel, ExportXml, ExportCsv, RecPerRow, MultiDelete, SortType, PagerStyle, TopPageLink,
+      BottomPageLink, ViewExport, ListExport, LinkOnLeft, InlineDelete, DetailViewPaging,
+      RepeatColumns;
+
   // Script host settings.
   std::string ScriptLanguage = "JScript";
   std::int32_t ScriptEngineTimeout = 0;

@@ -50,4 +50,38 @@ void SetQuoteChars(std::string_view name) {
   else if (style == "None") vars.QuoteStart = vars.QuoteEnd = "";
 }
 
+std::string QuoteIdent(std::string_view name) {
+  const AGPVarsData& vars = AGPVars();
+  if (vars.QuoteEnd.empty()) return vars.QuoteStart + std::string(name);
+  std::string quoted = vars.QuoteStart;
+  for (char c : name) {
+    quoted += c;
+    if (vars.QuoteEnd.find(c) != std::string::npos) quoted += c;
+  }
+  return quoted + vars.QuoteEnd;
+}
+
+std::string QuoteIdentPlain(std::string_view name) {
+  return AGPVars().QuoteStart + std::string(name) + AGPVars().QuoteEnd;
+}
+
+std::string ComponentQuoteStyle(std::string_view dbType, std::string_view method) {
+  if (method.empty()) method = "DIRECT";
+  if (method == "JDBC") return "NA";
+  if (dbType.empty()) dbType = "MYSQL";
+  std::string quote = "*";
+  const std::string style = text::toLower(AGPVars().SQLQuote.toText());
+  if (style == "backquote") quote = "`";
+  else if (style == "double quote") quote = "\"";
+  else if (style == "none") quote = "";
+  if (contains(dbType, "MySQL")) {
+    if (quote == "*") quote = "`";
+  } else if (contains(dbType, "PostgreSql") || contains(dbType, "Oracle")) {
+    if (quote == "*" || quote == "`") quote = "\"";
+  } else if (quote == "*") {
+    quote = "";
+  }
+  return quote;
+}
+
 }  // namespace bw

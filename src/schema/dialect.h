@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace bw {
@@ -24,5 +25,17 @@ std::int16_t DbmsKind(std::string_view name);
 // SQL, for the DBMS `name`; the project's SQLQuote setting overrides the
 // dialect's own.
 void SetQuoteChars(std::string_view name);
+
+// A table or field name in SQL: the quotes of AGPVars() around it, each
+// closing-quote character inside doubled. Without a closing quote, the
+// opening quote and the name.
+std::string QuoteIdent(std::string_view name);
+// The quotes around the name, nothing doubled.
+std::string QuoteIdentPlain(std::string_view name);
+
+// The quote to give the database component for `dbType` and a connection
+// `method` ("DIRECT", "JDBC"), from the project's SQLQuote setting; "NA"
+// when the component should use the server's own.
+std::string ComponentQuoteStyle(std::string_view dbType, std::string_view method);
 
 }  // namespace bw
