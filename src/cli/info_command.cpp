@@ -141,9 +141,10 @@ void printFields(std::ostream& out, const std::vector<FieldInfo>& fields) {
   }
   for (const FieldInfo& f : fields) {
     std::string line = "  " + padded(f.name, nameWidth) + "  " + padded(typeText(f), typeWidth) +
-                       "  " + flagLetters(f) + "  " + padded(f.htmlTag, tagWidth);
+                       "  " + flagLetters(f);
+    if (tagWidth > 0) line += "  " + padded(f.htmlTag, tagWidth);
     if (!f.caption.empty()) line += "  " + f.caption;
-    out << line << '\n';
+    out << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
   }
 }
 

@@ -22,8 +22,8 @@ constexpr const char* kShopProject =
 <Project ProjName="Shop" Version="12.0.4" Product="Brindlework">
 <Database DBName="shop.db" DBType="SQLITE" DBDBMSName="SQLite">
 <Table TblName="orders" TblType="TABLE" TblCaption="Orders">
-<Field FldName="id" FldType="3" FldTypeName="INTEGER" FldIsPrimaryKey="1" FldAutoIncrement="1" FldReq="1" FldSupport="1" FldCaption="Order no."/>
-<Field FldName="customer" FldType="202" FldTypeName="VARCHAR" FldSize="80" FldReq="1" FldSupport="1" FldCaption="Customer &quot;name&quot; \ &#9;tab"/>
+<Field FldName="id" FldType="3" FldTypeName="INTEGER" FldIsPrimaryKey="1" FldAutoIncrement="1" FldReq="1" FldSupport="1" FldHtmlTag="NO" FldCaption="Order no."/>
+<Field FldName="customer" FldType="202" FldTypeName="VARCHAR" FldSize="80" FldReq="1" FldUniqueIdx="1" FldSupport="1" FldHtmlTag="TEXT" FldCaption="Customer &quot;name&quot; \ &#9;tab"/>
 <Field FldName="ordered" FldType="135" FldTypeName="DATETIME" FldSupport="1" FldCaption="Größe"/>
 </Table>
 <Table TblName="order_items" TblType="TABLE">
@@ -64,17 +64,18 @@ TEST_F(InfoSaveCliTest, FieldsShowTypeFlagsAndCaptionInAlignedColumns) {
   EXPECT_EQ(info.out,
             "Project:  Shop\n"
             "Database: shop.db (SQLITE), 3 tables\n"
-            "Flags:    K primary key, A auto-increment, R required, G generated\n"
+            "Flags:    K primary key, A auto-increment, U unique, R required, G generated; then the "
+            "HTML tag\n"
             "\n"
             "orders (TABLE), key: id, 3 fields\n"
-            "  id        3 INTEGER     KARG  Order no.\n"
-            "  customer  202 VARCHAR   --RG  Customer \"name\" \\ \ttab\n"
-            "  ordered   135 DATETIME  ---G  Größe\n"
+            "  id        3 INTEGER     KA-RG  NO    Order no.\n"
+            "  customer  202 VARCHAR   --URG  TEXT  Customer \"name\" \\ \ttab\n"
+            "  ordered   135 DATETIME  ----G        Größe\n"
             "\n"
             "order_items (TABLE), key: order_id, product_id, 3 fields\n"
-            "  product_id  3 INTEGER  K-RG  Product\n"
-            "  order_id    3 INTEGER  K-RG  Order\n"
-            "  blob        205        ----\n"
+            "  product_id  3 INTEGER  K--RG  Product\n"
+            "  order_id    3 INTEGER  K--RG  Order\n"
+            "  blob        205        -----\n"
             "\n"
             "v_totals (VIEW), key: none, 0 fields\n");
 }
@@ -127,8 +128,10 @@ TEST_F(InfoSaveCliTest, JsonCarriesTheSameContentWithEscapedStrings) {
           "typeName": "INTEGER",
           "primaryKey": true,
           "autoIncrement": true,
+          "unique": false,
           "required": true,
           "generate": true,
+          "htmlTag": "NO",
           "caption": "Order no."
         },
         {
@@ -137,8 +140,10 @@ TEST_F(InfoSaveCliTest, JsonCarriesTheSameContentWithEscapedStrings) {
           "typeName": "VARCHAR",
           "primaryKey": false,
           "autoIncrement": false,
+          "unique": true,
           "required": true,
           "generate": true,
+          "htmlTag": "TEXT",
           "caption": "Customer \"name\" \\ \ttab"
         },
         {
@@ -147,8 +152,10 @@ TEST_F(InfoSaveCliTest, JsonCarriesTheSameContentWithEscapedStrings) {
           "typeName": "DATETIME",
           "primaryKey": false,
           "autoIncrement": false,
+          "unique": false,
           "required": false,
           "generate": true,
+          "htmlTag": "",
           "caption": "Größe"
         }
       ]
