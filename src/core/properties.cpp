@@ -82,8 +82,11 @@ std::size_t AGProperties::ensure(std::string_view name) {
 }
 
 void AGProperties::setValueAt(std::size_t slot, Variant v) {
-  if (layout_->def(slot).fileSave && values_[slot].toText() != v.toText())
-    AGPVars().Dirty = true;
+  // Once dirty, no write can make the project cleaner: skip the comparison,
+  // which costs two text conversions on every write of a schema load.
+  AGPVarsData& vars = AGPVars();
+  if (!vars.Dirty && layout_->def(slot).fileSave && values_[slot].toText() != v.toText())
+    vars.Dirty = true;
   values_[slot] = std::move(v);
 }
 
