@@ -28,8 +28,6 @@ std::string qualifiedName(AGPTable& table, const std::string& name) {
   return (schema.empty() ? "" : QuoteIdent(schema) + ".") + QuoteIdent(name);
 }
 
-std::int16_t currentKind() { return DbmsKind(AGPVars().DBMSName); }
-
 // A schema rowset; a driver that does not know a restriction is asked again
 // with every restriction empty.
 std::unique_ptr<Recordset> openSchemaWithRetry(Connection& cnn, SchemaRowset rowset,
@@ -53,7 +51,7 @@ std::vector<Variant> restrictTable(std::size_t position, const std::string& name
 
 void addColumns(AGPTable& table, const std::string& name, Recordset& columns, Recordset* showFields,
                 Recordset* pgDefaults, Component* component) {
-  const std::int16_t kind = currentKind();
+  const std::int16_t kind = CurrentDbmsKind();
   AGPFields& fields = *table.Fields();
   for (const ColumnInfo& column : columns.columns()) {
     if (fields.field(column.name)) {
@@ -190,7 +188,7 @@ class IndexWalk {
 void markIndexes(AGPTable& table, Connection& cnn, const std::string& name) {
   try {
     auto indexes = openSchemaWithRetry(cnn, SchemaRowset::kIndexes, restrictTable(4, name));
-    IndexWalk walk(*table.Fields(), currentKind());
+    IndexWalk walk(*table.Fields(), CurrentDbmsKind());
     for (; !indexes->eof(); indexes->moveNext()) {
       const Variant indexName = indexes->value("INDEX_NAME");
       if (indexName.isNull() || indexes->value("TABLE_NAME").toText() != name) continue;
@@ -252,7 +250,7 @@ bool readColumns(AGPTable& table, Connection& cnn, const std::string& name, Comp
     table.setAttr("TblGen", Variant(false));
     return false;
   }
-  const std::int16_t kind = currentKind();
+  const std::int16_t kind = CurrentDbmsKind();
   std::unique_ptr<Recordset> showFields, pgDefaults;
   if (kind == dbms::kMySql) showFields = cnn.execute("SHOW FIELDS FROM " + qualifiedName(table, name));
   if (kind == dbms::kPostgreSql) pgDefaults = cnn.execute(pgDefaultsQuery(table, name));
@@ -278,12 +276,12 @@ void Load_ADO(AGPTable& table, Connection& cnn, Recordset& tables, bool loadAll,
   table.setAttr("TblError", Variant(""));
   readColumns(table, cnn, name, component);
   if (type == "TABLE") {
-    const std::int16_t kind = currentKind();
+    const std::int16_t kind = CurrentDbmsKind();
     if (kind != dbms::kAccess && kind != dbms::kSqlServer && kind != dbms::kMySql)
       markKeysAndRequired(table, cnn, name);
     if (kind != dbms::kMySql) markIndexes(table, cnn, name);
   }
-  if (currentKind() == dbms::kSqlServer) readSqlServerColumns(table, cnn, name);
+  if (CurrentDbmsKind() == dbms::kSqlServer) readSqlServerColumns(table, cnn, name);
   table.setAttr("TblKey", Variant(primaryKeyList(table)));
   table.LoadTableDefault();
 }
@@ -313,7 +311,7 @@ class SchemaListing {
  public:
   SchemaListing(AGPDatabase& db, Connection& cnn, const ConnectionRequest& request, const std::string& tableName)
       : db_(db), cnn_(cnn), request_(request), tableName_(tableName), loadAll_(tableName.empty()),
-        kind_(currentKind()) {}
+        kind_(CurrentDbmsKind()) {}
 
   void run() {
     if (loadAll_) Status().DispStatus("Loading Database Tables/Views...");
@@ -405,7 +403,7 @@ void writeConnectionAttributes(AGPDatabase& db, Connection& cnn, const Connectio
   set("DBOLEDBVer", cnn.property("OLE DB Version"));
   set("DBProviderName", cnn.property("Provider Name"));
   set("DBProviderVer", cnn.property("Provider Version"));
-  if (currentKind() == dbms::kSqlServer) set("DBSchema", Variant(request.schema));
+  if (CurrentDbmsKind() == dbms::kSqlServer) set("DBSchema", Variant(request.schema));
   set("DBQuoteS", Variant(AGPVars().QuoteStart));
   set("DBQuoteE", Variant(AGPVars().QuoteEnd));
 }
@@ -424,7 +422,7 @@ std::int16_t LoadADODB(AGPDatabase& db, const ConnectionRequest& request, const 
     AGPVars().DBMSName = dbmsName;
     SetQuoteChars(dbmsName);
     if (loadAll) writeConnectionAttributes(db, *cnn, request);
-    if (currentKind() == dbms::kOracle) {
+    if (CurrentDbmsKind() == dbms::kOracle) {
       // Oracle's long columns need a larger fetch chunk.
       cnn->close();
       std::string chunked = request.connStr;

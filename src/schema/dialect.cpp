@@ -24,6 +24,8 @@ std::int16_t DbmsKind(std::string_view name) {
   return dbms::kOther;
 }
 
+std::int16_t CurrentDbmsKind() { return DbmsKind(AGPVars().DBMSName); }
+
 void SetQuoteChars(std::string_view name) {
   AGPVarsData& vars = AGPVars();
   switch (DbmsKind(name)) {

@@ -20,6 +20,8 @@ inline constexpr std::int16_t kOther = 99;
 // The dialect number of a DBMS name; everything dialect-specific is decided
 // on it.
 std::int16_t DbmsKind(std::string_view name);
+// The dialect of the connection in use: DbmsKind of AGPVars().DBMSName.
+std::int16_t CurrentDbmsKind();
 
 // Sets AGPVars().QuoteStart and QuoteEnd, the characters around names in
 // SQL, for the DBMS `name`; the project's SQLQuote setting overrides the

@@ -24,8 +24,6 @@ bool isOneOf(std::int32_t value, std::initializer_list<std::int32_t> set) {
   return false;
 }
 
-std::int16_t currentKind() { return DbmsKind(AGPVars().DBMSName); }
-
 std::int16_t fieldType(AGPField& field) { return field.attrInteger("FldType"); }
 
 bool isDateType(std::int32_t type) {
@@ -177,7 +175,7 @@ void SetFieldType(AGPField& field, std::int16_t type, std::int32_t precision) {
                      kUnsignedTinyInt, kVarNumeric}))
     support("");
   else if (isOneOf(type, {kDate, kDbDate, kDbTime, kDbTimeStamp}))
-    support(currentKind() == dbms::kAccess ? "#" : "'");
+    support(CurrentDbmsKind() == dbms::kAccess ? "#" : "'");
   else if (isOneOf(type, {kBstr, kChar, kLongVarChar, kLongVarWChar, kVarChar, kVarWChar, kWChar,
                           kGuid, kLongVarBinary, kVarBinary, kXml, kDbTime2, kDbTimeStampOffset}))
     support("'");
@@ -194,7 +192,7 @@ void LoadFld_ADO(AGPField& field, const ColumnInfo& column) {
   setFlags(field, {"FldReq", "FldUniqueIdx"}, false);
   std::int32_t attributes = column.attributes;
   field.setAttr("FldAutoIncrement", Variant(column.autoIncrement));
-  if (currentKind() == dbms::kPostgreSql) {
+  if (CurrentDbmsKind() == dbms::kPostgreSql) {
     // Long varchar columns are memo fields to the generated pages.
     const std::int16_t type = column.type;
     if (column.definedSize > 8000 && (type == kVarChar || type == kVarWChar))
@@ -271,7 +269,7 @@ void LoadFld_ztDB(AGPField& field, const ComponentField& column) {
   field.setAttr("FldAutoIncrement", Variant(column.autoIncrement));
   field.setAttr("FldAttribute", Variant(column.adoAttributes));
   const bool sequenceDefault =
-      currentKind() == dbms::kPostgreSql && text::startsWith(column.defaultValue, "nextval(");
+      CurrentDbmsKind() == dbms::kPostgreSql && text::startsWith(column.defaultValue, "nextval(");
   if (!column.autoIncrement && !sequenceDefault)
     field.setAttr("FldDefault", Variant(column.defaultValue));
   field.setAttr("FldDbDefault", Variant(column.defaultValue));
@@ -304,7 +302,7 @@ void LoadFldDefault(AGPField& field) {
     setFlags(field, {"FldAdd", "FldAddOpt", "FldMultiUpdate"}, false);
   else
     setFlags(field, {"FldAdd", "FldAddOpt"}, supported);
-  if (currentKind() == dbms::kSqlServer) {
+  if (CurrentDbmsKind() == dbms::kSqlServer) {
     // A column the server will not let one write (computed, timestamp).
     const std::int32_t attributes = field.typedAttr("FldAttribute").toLong().value_or(0);
     const bool writable = (attributes & adoattr::kUnknownUpdatable) || (attributes & adoattr::kUpdatable);

@@ -58,10 +58,13 @@ void loadKeywords(AGP& project) {
   Keywords().Load(ReadSetting(Variant("HKCU"), Variant(AGPVars().RegGeneral), Variant("Keyword")));
 }
 
-bool useOracleOledb() {
-  return ReadSetting(Variant("HKCU"), Variant(AGPVars().RegGeneral), Variant("UseOracleOledb"))
-      .toBoolean()
-      .value_or(false);
+// Oracle is read through the database component unless the user asked for
+// OLE DB; that road shows no status of its own.
+bool takesComponentRoad(const std::string& type) {
+  return text::toLower(type) == "oracle" &&
+         !ReadSetting(Variant("HKCU"), Variant(AGPVars().RegGeneral), Variant("UseOracleOledb"))
+              .toBoolean()
+              .value_or(false);
 }
 
 // The roads that need a client this build does not have fail with a reason
@@ -80,8 +83,9 @@ std::int16_t loadThroughRoad(AGPDatabase& db, const schema::ConnectionRequest& r
 
 }  // namespace
 
-void AGP::LoadDB(const Variant& sDbName, const Variant& sDbType, const Variant& sPath, const Variant& sPhyPath,
-                 const Variant& bDBUseServerMapPath, const Variant& sUID, const Variant& sPwd,
+// sPath and bDBUseServerMapPath serve the Access road, which this build lacks.
+void AGP::LoadDB(const Variant& sDbName, const Variant& sDbType, [[maybe_unused]] const Variant& sPath,
+                 const Variant& sPhyPath, [[maybe_unused]] const Variant& bDBUseServerMapPath, const Variant& sUID, const Variant& sPwd,
                  const Variant& sConnStr, const Variant& sSchema) {
   AGPVarsData& vars = AGPVars();
   vars.StatusTitle = vars.ProductName + " - Loading Database...";
@@ -94,7 +98,7 @@ void AGP::LoadDB(const Variant& sDbName, const Variant& sDbType, const Variant& 
   if (key.empty()) return;
   setCurDBName(key);
   loadKeywords(*this);
-  const bool componentRoad = text::toLower(type) == "oracle" && !useOracleOledb();
+  const bool componentRoad = takesComponentRoad(type);
   if (!componentRoad) Status().ShowStatus(hwnd(), std::string(vars.StatusTitle.size(), ' ') + vars.StatusTitle);
   const std::string pendingError = vars.ProjErr;
   vars.ProjErr = "";
@@ -109,7 +113,6 @@ void AGP::LoadDB(const Variant& sDbName, const Variant& sDbType, const Variant& 
                                    sSchema.toText()},
                              "", componentRoad);
   }
-  (void)sPath, (void)bDBUseServerMapPath;  // read by the Access road
   if (!componentRoad) Status().CloseStatus();
   if (status != schema::kLoadOk) {
     databases()->Delete(Variant(key));
@@ -145,7 +148,7 @@ void AGP::LoadTable(const std::string& sTableName) {
   loadKeywords(*this);
   copyLoadSettings(*this);
   const std::string type = db->attrText("DBType");
-  const bool componentRoad = text::toLower(type) == "oracle" && !useOracleOledb();
+  const bool componentRoad = takesComponentRoad(type);
   const std::int16_t status = loadThroughRoad(
       *db, {type, db->attrText("DBName"), db->attrText("DBUID"), db->attrText("DBPwd"), db->attrText("DBConnstr"),
             db->attrText("DBSchema")},
