@@ -8,7 +8,7 @@ packages=(
   g++ make cmake ninja-build pkg-config
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   libpugixml-dev libicu-dev libssl-dev duktape-dev
-  libsqlite3-dev sqlite3
+  libsqlite3-dev sqlite3 libzip-dev
 )
 
 missing=()
