@@ -41,7 +41,7 @@ void printUsage(std::ostream& out) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  bw::AGPVars().host = std::make_shared<bw::cli::CliHost>();
+  bw::AGPVars().host = bw::cli::TheCliHost();
   bw::AGPVars().progress = std::make_shared<bw::cli::TerminalProgress>();
   if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")) {
     printUsage(argc < 2 ? std::cerr : std::cout);

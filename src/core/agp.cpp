@@ -28,6 +28,7 @@ namespace bw {
 AGP::AGP()
     : properties_(make<AGProperties>(ProjectLayout())),
       controlList_(make<AGPControls>()),
+      controlItems_(make<AGControlItems>()),
       databases_(make<AGPDatabases>()) {
   AGPVarsData& vars = AGPVars();
   setAttr("ProjID", Status().GetGUID());
@@ -221,6 +222,9 @@ MemberTable buildMembers() {
       property<&AGP::ProjInit>("ProjInit"),
       property<&AGP::Properties>("Properties"),
       property<&AGP::ControlList>("ControlList"),
+      property<&AGP::ControlItems>("ControlItems"),
+      method<&AGP::GenCheck>("GenCheck"),
+      method<&AGP::GenScript>("GenScript"),
       method<&AGP::GetV>("GetV"),
       method<&AGP::SetV>("SetV"),
       method<&AGP::AddProj>("AddProj"),

@@ -19,6 +19,7 @@
 #include "core/databases.h"
 #include "core/dispatch.h"
 #include "core/properties.h"
+#include "generation/control_items.h"
 #include "template/controls.h"
 
 namespace bw {
@@ -87,6 +88,22 @@ class AGP : public Dispatch {
 
   // The controls of the loaded template.
   Ref<AGPControls> ControlList() const { return controlList_; }
+  // The generation choices of the controls not bound to a table, and of the
+  // "@" items (database, config file, language files, ...).
+  Ref<AGControlItems> ControlItems() const { return controlItems_; }
+
+  // Generation. GenCheck prepares the template and fills the choices
+  // without writing anything; its result is the number of output files
+  // that exist already (0 also after a failure). GenScript writes the
+  // site into Destination. Both leave ProjErr "" on success.
+  std::int16_t GenCheck();
+  void GenScript();
+
+  // Probes the objects a load or a run needs (the script host); false with
+  // ProjErr set when one cannot be made.
+  bool CreateRuntimeObjects();
+  // Gives the project, and a related project that has none, a ProjID.
+  void EnsureProjectIds();
 
   // The definition model. The project has at most one database; DB is the
   // one whose key is curDBName, or none.
@@ -145,6 +162,7 @@ class AGP : public Dispatch {
   const Variant& attr(std::string_view name) { return properties_->value(name); }
   Variant typedAttr(std::string_view name);
   std::string attrText(std::string_view name) { return attr(name).toText(); }
+  bool attrBool(std::string_view name) { return typedAttr(name).toBoolean().value_or(false); }
   void setAttr(std::string_view name, Variant value) { properties_->setValue(name, std::move(value)); }
 
   const MemberTable& members() const override;
@@ -158,6 +176,7 @@ class AGP : public Dispatch {
   Ref<AGProperties> properties_;
   std::unique_ptr<Composer> composer_;
   Ref<AGPControls> controlList_;
+  Ref<AGControlItems> controlItems_;
   Ref<AGPDatabases> databases_;
   std::string curDBName_;
   Ref<AGPTable> currentTable_;

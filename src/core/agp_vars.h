@@ -132,10 +132,26 @@ struct AGPVarsData {
   std::string CurrentTemplateFolder;  // the template's or an extension's folder
   std::string CacheFolder;            // composed functions and cache.xml
   std::string ExtensionsFolder;       // the unpacked extensions, one folder each
+  std::string ExtensionFolder;        // the extension being unpacked
+  std::string BootstrapFolder;        // bootstrap files of the template
+
+  // Set by GenCheck for GenScript: the template zip matches the record of
+  // the last unpack, or the user chose to keep the unpacked files.
+  bool TemplateUnchanged = false;
+  bool TemplateKept = false;  // the user kept the files of a changed zip
+
+  // The run's profiler log; the note waits for the next logged file.
+  bool ProfilerOn = false;
+  std::string ProfilerFile;
+  std::string ProfilerNote;
+
+  std::string OutputFile;       // the name of the file being generated
+  std::string LanguageVersion;  // `version` of the language file last loaded
 
   // Why the last load of a control file failed: 1 not loadable, 2 not a
   // control file of this product, 3 wrong version.
   std::int16_t ExtensionLoadError = 0;
+  std::string ExtensionLoadVersion;  // the version text behind error 3
 
   // The program that drives the engine, and where status goes. Never null.
   std::shared_ptr<Host> host;

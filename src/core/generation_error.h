@@ -20,4 +20,8 @@ class GenerationError : public std::runtime_error {
 // Closes the status display and raises GenerationError with ProjErr.
 [[noreturn]] void RaiseGenerationError();
 
+// The user stopped the run: ProjErr becomes "Generation cancelled by
+// user!", then as RaiseGenerationError.
+[[noreturn]] void CancelGeneration();
+
 }  // namespace bw

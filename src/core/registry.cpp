@@ -367,4 +367,10 @@ void WriteSetting(const Variant& hive, const Variant& section, const Variant& na
   }
 }
 
+Variant GeneralSetting(const char* name) {
+  return ReadSetting("HKCU", AGPVars().RegGeneral, name);
+}
+
+bool GeneralFlag(const char* name) { return GeneralSetting(name).toBoolean().value_or(false); }
+
 }  // namespace bw

@@ -150,6 +150,11 @@ cRegistry& Registry();
 // found to AGPVars().RegValueType, 0 when nothing was found.
 Variant ReadSetting(const Variant& hive, const Variant& section, const Variant& name);
 
+// A value of the user's general settings, and the same read as a Boolean
+// (false when it is not one).
+Variant GeneralSetting(const char* name);
+bool GeneralFlag(const char* name);
+
 // Writes a value with the given type. Never raises; failures are swallowed.
 void WriteSetting(const Variant& hive, const Variant& section, const Variant& name,
                   const Variant& type, const Variant& value);

@@ -120,4 +120,9 @@ void RaiseGenerationError() {
   throw GenerationError(AGPVars().ProjErr);
 }
 
+void CancelGeneration() {
+  AGPVars().ProjErr = "Generation cancelled by user!";
+  RaiseGenerationError();
+}
+
 }  // namespace bw

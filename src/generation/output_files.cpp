@@ -9,7 +9,9 @@
 #include "core/registry.h"
 #include "core/status.h"
 #include "platform/files.h"
+#include "platform/clock.h"
 #include "platform/host.h"
+#include "platform/text.h"
 
 namespace bw {
 namespace {
@@ -22,8 +24,18 @@ void reportFileError(const std::string& what, const std::string& path, const std
                          vars.ProductName, MessageIcon::Critical);
 }
 
-bool utf8Output() {
-  return ReadSetting("HKCU", AGPVars().RegGeneral, "UTF8Output").toBoolean().value_or(false);
+// Appends `line` to the file, after a CR LF when the file has content.
+void appendLine(const std::string& path, const std::string& line) {
+  const bool hasContent = files::fileSize(path) > 0;
+  std::ofstream out(files::nativePath(path), std::ios::binary | std::ios::app);
+  if (hasContent) out << text::kCrLf;
+  out << line;
+}
+
+bool listedInRunLog(const std::string& log, const std::string& path) {
+  for (const std::string& line : text::split(files::readTextFile(log), text::kCrLf))
+    if (text::iequals(line, path)) return true;
+  return false;
 }
 
 }  // namespace
@@ -38,7 +50,7 @@ void WriteOutputFile(const std::string& path, const std::string& text, bool raw)
     reportFileError("creating file", path, ec.message());
     return;
   }
-  const bool withBom = !raw && utf8Output();
+  const bool withBom = !raw && GeneralFlag("UTF8Output");
   std::ofstream out(target, std::ios::binary | std::ios::trunc);
   if (!out) {
     reportFileError("creating file", path, std::generic_category().message(errno));
@@ -50,6 +62,49 @@ void WriteOutputFile(const std::string& path, const std::string& text, bool raw)
   if (!out)
     reportFileError(withBom ? "writing utf8 data to file" : "writing text data to file", path,
                     std::generic_category().message(errno));
+}
+
+bool ConfirmOverwrite(const std::string& path, bool allow, bool check) {
+  if (check) return files::fileExists(path);
+  if (!files::fileExists(path)) return true;
+  if (!allow) return false;
+  if (GeneralFlag("BackupFile")) {
+    std::error_code ec;
+    std::filesystem::copy_file(files::nativePath(path), files::nativePath(path + ".bak"),
+                               std::filesystem::copy_options::overwrite_existing, ec);
+  }
+  return true;
+}
+
+bool ConfirmFolderOverwrite(const std::string& path, bool allow, bool check) {
+  if (check) return files::folderExists(path);
+  if (!files::folderExists(path)) return true;
+  if (!allow) return false;
+  if (GeneralFlag("BackupFile")) {
+    const std::filesystem::path backup = files::nativePath(path + ".bak");
+    std::error_code ec;
+    std::filesystem::remove_all(backup, ec);
+    std::filesystem::copy(files::nativePath(path), backup,
+                          std::filesystem::copy_options::recursive, ec);
+  }
+  return true;
+}
+
+void LogGeneratedFile(const std::string& path, std::int64_t startTick, std::int64_t endTick) {
+  AGPVarsData& vars = AGPVars();
+  std::string destination = vars.Destination;
+  if (!destination.empty() && destination.back() != '\\' && destination.back() != '/')
+    destination += '\\';
+  const std::string log = destination + vars.ProductKey + ".log";
+  if (files::fileExists(log) && listedInRunLog(log, path)) return;
+  appendLine(log, path);
+  if (!vars.ProfilerOn) return;
+  appendLine(vars.ProfilerFile, path + "\t(" + formatDate(clock::now()) + ": " +
+                                    std::to_string(endTick - startTick) + " ms)");
+  if (!vars.ProfilerNote.empty()) {
+    appendLine(vars.ProfilerFile, vars.ProfilerNote);
+    vars.ProfilerNote.clear();
+  }
 }
 
 void StepProgress() {

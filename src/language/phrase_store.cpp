@@ -2,7 +2,11 @@
 
 #include <algorithm>
 
+#include <pugixml.hpp>
+
 #include "core/agp_vars.h"
+#include "platform/text.h"
+#include "platform/xml.h"
 
 namespace bw {
 namespace {
@@ -13,7 +17,49 @@ Record* firstMatch(std::vector<Record>& records, Match match) {
   return it == records.end() ? nullptr : &*it;
 }
 
+// The value of the attribute whose lower-case name is `lowerName`; "" when
+// there is none.
+std::string attributeValue(const pugi::xml_node& node, std::string_view lowerName) {
+  for (const pugi::xml_attribute& a : node.attributes())
+    if (text::toLower(a.name()) == lowerName) return a.value();
+  return {};
+}
+
+// The part behind the last "\" (or "/", the separator of this platform).
+std::string fileNameOf(const std::string& path) {
+  const std::size_t at = path.find_last_of("\\/");
+  return at == std::string::npos ? path : path.substr(at + 1);
+}
+
 }  // namespace
+
+bool AGPLanguage::Load(const std::string& file) {
+  pugi::xml_document doc;
+  if (!xml::loadFile(doc, file)) {
+    loadError_ = "Load language file failed!";
+    return false;
+  }
+  const pugi::xml_node root = doc.document_element();
+  AGPVars().LanguageVersion = attributeValue(root, "version");
+  files_.push_back({attributeValue(root, "id"), attributeValue(root, "desc"), fileNameOf(file)});
+  return true;
+}
+
+const LanguageFileRecord* AGPLanguage::fileRecord(const std::string& fileName) const {
+  for (const LanguageFileRecord& record : files_)
+    if (record.FileName == fileName) return &record;
+  return nullptr;
+}
+
+std::string AGPLanguage::GetFileId(const std::string& FileName) const {
+  const LanguageFileRecord* record = fileRecord(FileName);
+  return record ? record->Id : std::string();
+}
+
+std::string AGPLanguage::GetFileDesc(const std::string& FileName) const {
+  const LanguageFileRecord* record = fileRecord(FileName);
+  return record ? record->Desc : std::string();
+}
 
 void AGPLanguage::SetProjectPhrase(const std::string& languageId, const std::string& attribute,
                                    const std::string& phrase) {
@@ -106,6 +152,11 @@ void AGPLanguage::DeleteFieldPhrase(const std::string& tableName, const std::str
 const MemberTable& AGPLanguage::members() const {
   using L = AGPLanguage;
   static const MemberTable table{
+      method<&L::GetFileId>("GetFileId"),
+      method<&L::GetFileDesc>("GetFileDesc"),
+      method<&L::ResetFiles>("ResetFiles"),
+      method<&L::Load>("Load"),
+      method<&L::LoadExtension>("LoadExtension"),
       property<&L::TableCount>("TableCount"),
       method<&L::GetTablePhrase>("GetTablePhrase"),
       method<&L::SetTablePhrase>("SetTablePhrase"),

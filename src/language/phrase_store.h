@@ -23,12 +23,30 @@ struct TablePhrase {
   std::string LanguageId, TableName, TableAttribute, Phrase;
 };
 
+// A language file loaded for the current run: its id and description, and
+// the file name they were read from.
+struct LanguageFileRecord {
+  std::string Id, Desc, FileName;
+};
+
 struct FieldPhrase {
   std::string LanguageId, TableName, FieldName, FieldAttribute, Phrase;
 };
 
 class AGPLanguage : public Dispatch {
  public:
+  // The language files of a run. Load reads a file's header (the root's
+  // id, desc and version; names without regard to case) and appends a
+  // record; AGPVars().LanguageVersion becomes its version. A file that does
+  // not load as XML gives false and changes nothing but LoadError().
+  bool Load(const std::string& file);
+  bool LoadExtension(const std::string& file) { return Load(file); }
+  void ResetFiles() { files_.clear(); }
+  // Of the first record with exactly this file name; "" when none.
+  std::string GetFileId(const std::string& FileName) const;
+  std::string GetFileDesc(const std::string& FileName) const;
+  const std::string& LoadError() const { return loadError_; }
+
   // Project and menu phrases: replaced when the names match, else appended.
   void SetProjectPhrase(const std::string& languageId, const std::string& attribute,
                         const std::string& phrase);
@@ -64,6 +82,10 @@ class AGPLanguage : public Dispatch {
   std::string_view typeName() const override { return "AGPLanguage"; }
 
  private:
+  const LanguageFileRecord* fileRecord(const std::string& fileName) const;
+
+  std::vector<LanguageFileRecord> files_;
+  std::string loadError_;
   std::vector<ProjectPhrase> projects_;
   std::vector<MenuPhrase> menus_;
   std::vector<TablePhrase> tables_;

@@ -186,7 +186,6 @@ class ProjectReader {
   void read(const std::string& projFile);
 
  private:
-  void createRuntimeObjects();
   void loadCodeBase();
   void loadDocument();
   void convertForeignFormat();
@@ -205,7 +204,6 @@ class ProjectReader {
   void loadCustomScript(const pugi::xml_node& element);
   void loadPhrase(const std::string& kind, const pugi::xml_node& element);
   void updateRelatedProject();
-  void ensureProjectIds();
   void takeDatabaseSettings();
 
   pugi::xml_node root() const { return file_.doc.document_element(); }
@@ -242,7 +240,7 @@ void AGP::Load(const std::string& projFile, bool Sync) {
 
 void ProjectReader::read(const std::string& projFile) {
   path_ = projFile;
-  createRuntimeObjects();
+  if (!project_.CreateRuntimeObjects()) throw LoadStopped{};
   project_.LoadDefault();
   loadCodeBase();
   loadDocument();
@@ -263,7 +261,7 @@ void ProjectReader::read(const std::string& projFile) {
   updateRelatedProject();
   if (progressTotal_ > 0) Status().CloseStatus();
   if (!converted_) vars_.Dirty = false;
-  ensureProjectIds();
+  project_.EnsureProjectIds();
 
   if (!files::fileExists(project_.attrText("Template")))
     project_.setAttr("Template", ReadSetting("HKCU", vars_.RegProject, "Template"));
@@ -280,11 +278,14 @@ void ProjectReader::read(const std::string& projFile) {
 }
 
 // The script host is probed because a project is useless without it: a
-// ScriptEngine setting that names an engine we cannot run stops the load.
-void ProjectReader::createRuntimeObjects() {
-  vars_.ProjErr.clear();
+// ScriptEngine setting that names an engine we cannot run stops a load or a
+// run before it begins. Files and XML need no probe here: they are part of
+// the engine itself.
+bool AGP::CreateRuntimeObjects() {
+  AGPVarsData& vars = AGPVars();
+  vars.ProjErr.clear();
   { auto probe = make<AGScript>(); }
-  if (!vars_.ProjErr.empty()) throw LoadStopped{};
+  return vars.ProjErr.empty();
 }
 
 void ProjectReader::loadCodeBase() {
@@ -568,9 +569,9 @@ void ProjectReader::updateRelatedProject() {
   SaveDom(related, relatedDoc, encoding.empty() || encoding == "utf-8", error);
 }
 
-void ProjectReader::ensureProjectIds() {
-  if (project_.attrText("ProjID").empty()) project_.setAttr("ProjID", Variant(Status().GetGUID()));
-  const std::string related = project_.attrText("AppRelatedProject");
+void AGP::EnsureProjectIds() {
+  if (attrText("ProjID").empty()) setAttr("ProjID", Variant(Status().GetGUID()));
+  const std::string related = attrText("AppRelatedProject");
   if (related.empty() || !files::fileExists(related)) return;
   pugi::xml_document relatedDoc;
   if (!xml::loadFile(relatedDoc, related)) return;

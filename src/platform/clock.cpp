@@ -1,5 +1,7 @@
 #include "platform/clock.h"
 
+#include <chrono>
+
 #include "core/variant.h"
 
 namespace bw::clock {
@@ -12,5 +14,11 @@ double localDate(std::time_t seconds) {
 }
 
 double now() { return localDate(std::time(nullptr)); }
+
+std::int64_t tickCount() {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(
+             std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
 
 }  // namespace bw::clock

@@ -1,6 +1,7 @@
 // The local clock, in the date numbers of tagged values.
 #pragma once
 
+#include <cstdint>
 #include <ctime>
 
 namespace bw::clock {
@@ -10,5 +11,8 @@ double localDate(std::time_t seconds);
 
 // The present local time, as an OLE date number.
 double now();
+
+// Milliseconds of a steady clock, for measuring how long work took.
+std::int64_t tickCount();
 
 }  // namespace bw::clock

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -30,6 +31,20 @@ bool fileExists(std::string_view path) {
 bool folderExists(std::string_view path) {
   std::error_code ec;
   return !path.empty() && fs::is_directory(nativePath(path), ec);
+}
+
+std::uintmax_t fileSize(std::string_view path) {
+  std::error_code ec;
+  const std::uintmax_t size = fs::file_size(nativePath(path), ec);
+  return ec ? 0 : size;
+}
+
+std::optional<std::tm> lastWriteTime(std::string_view path) {
+  struct stat info {};
+  if (::stat(nativePath(path).c_str(), &info) != 0) return std::nullopt;
+  std::tm local{};
+  localtime_r(&info.st_mtime, &local);
+  return local;
 }
 
 bool createFolders(std::string_view path) {
@@ -142,12 +157,17 @@ std::string documentsFolder() {
   return home + "/Documents";
 }
 
+std::string programFolder() {
+  std::error_code ec;
+  const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+  return ec ? std::string() : exe.parent_path().string();
+}
+
 std::string shareFolder() {
   if (std::string v = env("BRINDLEWORK_SHARE"); !v.empty()) return v;
-  std::error_code ec;
-  fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-  if (!ec) {
-    fs::path candidate = exe.parent_path().parent_path() / "share" / "brindlework";
+  if (const std::string bin = programFolder(); !bin.empty()) {
+    std::error_code ec;
+    const fs::path candidate = fs::path(bin).parent_path() / "share" / "brindlework";
     if (fs::is_directory(candidate, ec)) return fs::weakly_canonical(candidate, ec).string();
   }
   return BRINDLEWORK_INSTALL_SHARE;

@@ -5,6 +5,8 @@
 // the engine built.
 #pragma once
 
+#include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -16,6 +18,12 @@ std::filesystem::path nativePath(std::string_view enginePath);
 
 bool fileExists(std::string_view path);
 bool folderExists(std::string_view path);
+
+// Size in bytes of a file; 0 when it does not exist.
+std::uintmax_t fileSize(std::string_view path);
+// The last change of a file or folder as local calendar time, seconds
+// being the finest unit; nullopt when it does not exist.
+std::optional<std::tm> lastWriteTime(std::string_view path);
 
 // Creates a folder with all missing parents; true if it exists afterwards.
 bool createFolders(std::string_view path);
@@ -36,6 +44,9 @@ bool writeFileAtomic(std::string_view path, std::string_view bytes, std::string*
 // The user's documents folder: $BRINDLEWORK_DOCUMENTS, else the XDG
 // documents folder, else $HOME/Documents.
 std::string documentsFolder();
+
+// The folder of the running program; "" when it cannot be found.
+std::string programFolder();
 
 // The installed data folder, share/brindlework: $BRINDLEWORK_SHARE, else
 // <folder of the executable>/../share/brindlework, else the install prefix.

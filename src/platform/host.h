@@ -6,6 +6,7 @@
 // recording host, so that nothing the engine says is lost.
 #pragma once
 
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,13 +15,32 @@ namespace bw {
 
 enum class MessageIcon { None, Information, Warning, Critical, Question };
 
+// The buttons of a question, and the one the user pressed.
+enum class MessageButtons { OkCancel, YesNo, YesNoCancel };
+enum class MessageAnswer { Ok, Cancel, Yes, No };
+
+// The answers of the template dialog: the template zip differs from the
+// files unpacked from it earlier.
+enum class TemplateChoice { Overwrite, Keep };
+
 class Host {
  public:
   virtual ~Host() = default;
 
   // A modal message box with an OK button; returns when the user closed it.
   virtual void showMessage(std::string_view text, std::string_view title, MessageIcon icon) = 0;
+
+  // A modal question; gives the button pressed, always one of `buttons`.
+  virtual MessageAnswer ask(std::string_view text, std::string_view title, MessageButtons buttons,
+                            MessageIcon icon) = 0;
+
+  // The template dialog, modal, with the buttons Overwrite and Keep.
+  virtual TemplateChoice chooseTemplateAction(std::string_view text, std::string_view title) = 0;
 };
+
+// The answer that loses nothing and goes no further, for a host that has
+// no one to ask: No, or Cancel where there is no No.
+MessageAnswer CautiousAnswer(MessageButtons buttons);
 
 struct HostMessage {
   std::string text;
@@ -28,14 +48,20 @@ struct HostMessage {
   MessageIcon icon;
 };
 
-// Keeps every message; the default host, and the base of scripted test hosts.
+// Keeps every message and question. Questions take the programmed answers
+// in order; once those run out, the cautious answer, and Keep for the
+// template dialog. The default host, and the scripted host of tests.
 class RecordingHost : public Host {
  public:
-  void showMessage(std::string_view text, std::string_view title, MessageIcon icon) override {
-    messages.push_back({std::string(text), std::string(title), icon});
-  }
+  void showMessage(std::string_view text, std::string_view title, MessageIcon icon) override;
+  MessageAnswer ask(std::string_view text, std::string_view title, MessageButtons buttons,
+                    MessageIcon icon) override;
+  TemplateChoice chooseTemplateAction(std::string_view text, std::string_view title) override;
 
   std::vector<HostMessage> messages;
+  std::vector<HostMessage> questions;  // asked, including the template dialog
+  std::deque<MessageAnswer> answers;
+  std::deque<TemplateChoice> templateChoices;
 };
 
 }  // namespace bw

@@ -196,6 +196,8 @@ std::string AGPCache::cacheFileText() const {
   return out;
 }
 
+AGPCache* RunCache() { return static_cast<AGPCache*>(AGPVars().Cache.get()); }
+
 const MemberTable& AGPCache::members() const {
   using C = AGPCache;
   static const MemberTable table{

@@ -80,6 +80,10 @@ class AGPCache : public Dispatch {
   std::string folder_;
 };
 
+// The cache record of the current generation run (AGPVars().Cache); null
+// outside a run.
+AGPCache* RunCache();
+
 // The normal form of a date, "yyyy/mm/dd hh:nn:ss"; a value that is neither
 // a date nor a text that reads as one is given as its text.
 std::string CacheDateText(const Variant& dt);

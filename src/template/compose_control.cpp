@@ -23,10 +23,6 @@
 namespace bw {
 namespace {
 
-bool generalFlag(const char* name) {
-  return ReadSetting("HKCU", AGPVars().RegGeneral, name).toBoolean().value_or(false);
-}
-
 std::vector<std::string> splitAt(std::string_view text, char separator) {
   std::vector<std::string> parts;
   std::size_t start = 0;
@@ -154,8 +150,8 @@ std::string AGP::ControlSourcePath(const std::string& ifiles, const std::string&
 
 void AGP::ComposeControl(AGPControl& ctrl, const std::string& sOutFile) {
   AGPVarsData& vars = AGPVars();
-  const bool showSession = generalFlag("ShowSession");
-  const bool showTime = generalFlag("ShowSessionTime");
+  const bool showSession = GeneralFlag("ShowSession");
+  const bool showTime = GeneralFlag("ShowSessionTime");
   AGParser parser;
 
   const std::string path = ControlSourcePath(ctrl.CtrlIFiles, ctrl.CtrlExt);
