@@ -15,5 +15,6 @@ int scriptCommand(const Arguments& args);    // run a JScript automation script
 int infoCommand(const Arguments& args);      // show a project file's database, tables and fields
 int saveCommand(const Arguments& args);      // load a project file and save it again
 int newCommand(const Arguments& args);       // create a project over a database
+int generateCommand(const Arguments& args);  // write the site of a project
 
 }  // namespace bw::cli

@@ -29,6 +29,9 @@ const std::map<std::string, Command>& commands() {
       {"save", {"save PROJECT [-o OUT]", bw::cli::saveCommand}},
       {"new", {"new PROJECT --db-type SQLITE --db FILE [--name NAME] [--template ZIP] [--dest DIR] "
                "[--language C#|VB]", bw::cli::newCommand}},
+      {"generate", {"generate PROJECT [--dest DIR] [--template ZIP] [--check] [--only ID,...] "
+                    "[--skip ID,...] [--yes|--no] [--keep|--overwrite] [--save]",
+                    bw::cli::generateCommand}},
   };
   return table;
 }

@@ -84,6 +84,9 @@ int createProject(const NewRequest& request) {
     return 1;
   }
   Ref<AGPDatabase> db = project->DB();
+  // A SQLite database is a file: generation copies it into the site from
+  // its physical path.
+  db->setAttr("DBPhyPath", Variant(dbPath));
   reportUnreadTables(*db);
   project->Save(request.projectFile);
   if (!AGPVars().ProjErr.empty()) {

@@ -145,6 +145,16 @@ struct AGPVarsData {
   std::string ProfilerFile;
   std::string ProfilerNote;
 
+  // What the last GenScript did, for hosts and benchmarks: controls
+  // composed into functions, pages written, and where the time went.
+  struct RunStats {
+    std::int32_t composed = 0;
+    std::int32_t pages = 0;
+    std::int64_t composeMs = 0;
+    std::int64_t scriptMs = 0;
+    std::int64_t outputMs = 0;
+  } GenerationStats;
+
   std::string OutputFile;       // the name of the file being generated
   std::string LanguageVersion;  // `version` of the language file last loaded
 

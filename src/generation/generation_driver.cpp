@@ -18,6 +18,7 @@
 #include "language/phrase_store.h"
 #include "persistence/master_details.h"
 #include "persistence/project_load.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/text.h"
@@ -54,6 +55,7 @@ void Generation::openStatus(const std::string& text) {
 void Generation::GenScript() {
   AGPVarsData& vars = AGPVars();
   vars.ProjErr.clear();
+  vars.GenerationStats = {};
   try {
     if (prepareRun()) {
       openStatus(" - Validating control.xml...");
@@ -283,7 +285,10 @@ void Generation::composeStaleControls(std::int32_t staleSessions) {
     if (!ctrl->CtrlGen) continue;
     const std::string label = ctrl->CtrlID + (ctrl->CtrlTagExt.empty() ? "" : "(" + ctrl->CtrlTagExt + ")");
     Status().DispStatus("Loading " + label + " script...");
+    const std::int64_t start = clock::tickCount();
     project_.ComposeControl(*ctrl, CachedScriptPath(*ctrl));
+    vars.GenerationStats.composeMs += clock::tickCount() - start;
+    ++vars.GenerationStats.composed;
   }
   Status().CloseStatus();
   recordComposedFiles();

@@ -1,11 +1,9 @@
 // Names and places of generated files.
-#include <chrono>
-#include <cstdio>
-
 #include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/tables.h"
 #include "generation/generation.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "template/controls.h"
@@ -80,11 +78,7 @@ std::string FindIncludes(std::string_view text, std::string_view languageSuffix)
 
 std::string FileDateText(const std::string& path) {
   const std::optional<std::tm> time = files::lastWriteTime(path);
-  if (!time) return {};
-  char out[32];
-  std::snprintf(out, sizeof out, "%04d/%02d/%02d %02d:%02d:%02d", time->tm_year + 1900,
-                time->tm_mon + 1, time->tm_mday, time->tm_hour, time->tm_min, time->tm_sec);
-  return out;
+  return time ? clock::sortableDateTime(*time) : std::string();
 }
 
 std::string Generation::LanguageSuffix() {

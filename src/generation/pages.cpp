@@ -190,6 +190,7 @@ std::int16_t Generation::GenerateTablePages(AGPTable& table, bool check) {
     }
     vars.OutputFile = OutputFileName(*ctrl, table.attrText("TblVar"), "");
     const std::string path = OutputPath(JoinOutputFolder(folderId, folder), vars.OutputFile, check);
+    if (item) item->ItemDest = path;
     if (check) {
       if (ConfirmOverwrite(path, true, true)) ++count;
       continue;
@@ -197,7 +198,6 @@ std::int16_t Generation::GenerateTablePages(AGPTable& table, bool check) {
     Status().DispStatus("Generating " + vars.OutputFile + "...");
     if (Status().StatusIsCancelled()) CancelGeneration();
     GenerateTableFile(table, CachedScriptPath(*ctrl), path, *ctrl);
-    if (item) item->ItemDest = path;
     if (!vars.ProjErr.empty()) {
       failPage(": Generate Table " + table.TblName() + " " + ctrl->CtrlID + " page error");
       break;
@@ -306,18 +306,23 @@ void Generation::runComposedFunction(const std::string& scriptFile, const std::s
     vars.ProjErr = "File " + scriptFile + " not found. Generation aborted" + std::string(missingEnd);
     RaiseGenerationError();
   }
-  const double start = clock::tickCount();
+  const std::int64_t start = clock::tickCount();
   const std::string code = files::readTextFile(scriptFile);
-  vars.ScriptEngineTimeout =
-      ReadSetting("HKCU", vars.RegGeneral, "ScriptEngineTimeout").toLong().value_or(0);
+  vars.ScriptEngineTimeout = GeneralSetting("ScriptEngineTimeout").toLong().value_or(0);
   std::string result = GenerationScript()->BuildNewCode(project_.ControlFunctionId(ctrl), code,
                                                        initType, vars.ScriptEngineTimeout);
+  const std::int64_t ran = clock::tickCount();
+  vars.GenerationStats.scriptMs += ran - start;
+  // A page whose script failed writes nothing: the file of the last good
+  // run stays.
   if (!vars.ProjErr.empty()) return;
   result = ctrl.CtrlSpace ? TidyOutput(ctrl.CtrlOExt, result) : TrimLeadingBlankLines(result);
-  const std::string folder = path.substr(0, path.find_last_of("\\/") + 1);
-  MakeFolder(folder);
+  MakeFolder(path.substr(0, path.find_last_of("\\/") + 1));
   WriteOutputFile(path, result);
-  LogGeneratedFile(path, start, clock::tickCount());
+  const std::int64_t end = clock::tickCount();
+  vars.GenerationStats.outputMs += end - ran;
+  ++vars.GenerationStats.pages;
+  LogGeneratedFile(path, start, end);
 }
 
 }  // namespace bw

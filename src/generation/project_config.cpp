@@ -1,8 +1,6 @@
 // The files that describe the project itself to the generated site: the
 // project config file and the default page of the security folder, the
 // user's style sheet, logo and icon, and the language files.
-#include <cstdio>
-#include <ctime>
 #include <pugixml.hpp>
 
 #include "core/agp.h"
@@ -22,25 +20,6 @@
 
 namespace bw {
 namespace {
-
-std::tm localNow() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  return local;
-}
-
-std::string dateText(const std::tm& t) {
-  char out[16];
-  std::snprintf(out, sizeof out, "%04d/%02d/%02d", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday);
-  return out;
-}
-
-std::string dateTimeText(const std::tm& t) {
-  char out[16];
-  std::snprintf(out, sizeof out, " %02d:%02d:%02d", t.tm_hour, t.tm_min, t.tm_sec);
-  return dateText(t) + out;
-}
 
 void appendLineBreak(pugi::xml_node parent) {
   parent.append_child(pugi::node_pcdata).set_value("\r\n");
@@ -86,11 +65,11 @@ std::int16_t Generation::GenerateProjectConfig(bool check) {
 bool Generation::WriteProjectConfigXml(const std::string& path) {
   if (path.empty()) return false;
   AGPVarsData& vars = AGPVars();
-  const std::tm now = localNow();
+  const std::tm now = clock::localNow();
   pugi::xml_document doc;
   doc.append_child(pugi::node_declaration).append_attribute("version") = "1.0";
   pugi::xml_node root = doc.append_child("configuration");
-  root.append_attribute("date") = dateText(now).c_str();
+  root.append_attribute("date") = clock::sortableDate(now).c_str();
   root.append_attribute("author") = "Tolvane Ltd.";
   appendLineBreak(root);
 
@@ -105,7 +84,7 @@ bool Generation::WriteProjectConfigXml(const std::string& path) {
   set(projectNode, "name", project_.attrText("ProjVar"));
   set(projectNode, "product", vars.ProductKey);
   set(projectNode, "version", vars.ProductVersion);
-  set(projectNode, "datetime", dateTimeText(now));
+  set(projectNode, "datetime", clock::sortableDateTime(now));
   set(projectNode, "languagefolder", FolderById("_language"));
   set(projectNode, "userlevel", db.attrText("SecDefault"));
   if (const std::string related = relatedProjectId(project_.attrText("AppRelatedProject")); !related.empty())

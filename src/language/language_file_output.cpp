@@ -14,6 +14,7 @@
 #include "generation/generation.h"
 #include "generation/output_files.h"
 #include "persistence/project_files.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/xml.h"
 
@@ -22,9 +23,7 @@ namespace {
 
 // The day without padding, such as 2014/3/7.
 std::string unpaddedDate() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
+  const std::tm local = clock::localNow();
   return std::to_string(local.tm_year + 1900) + "/" + std::to_string(local.tm_mon + 1) + "/" +
          std::to_string(local.tm_mday);
 }

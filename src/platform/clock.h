@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <string>
 
 namespace bw::clock {
 
@@ -11,6 +12,14 @@ double localDate(std::time_t seconds);
 
 // The present local time, as an OLE date number.
 double now();
+
+// The present local calendar time.
+std::tm localNow();
+
+// "yyyy/mm/dd" and "yyyy/mm/dd hh:nn:ss", zero-padded: texts that sort like
+// the times they show.
+std::string sortableDate(const std::tm& time);
+std::string sortableDateTime(const std::tm& time);
 
 // Milliseconds of a steady clock, for measuring how long work took.
 std::int64_t tickCount();
