@@ -66,7 +66,7 @@ bool isOutsideSite(const std::string& dbPath) {
 }  // namespace
 
 void Generation::PrepareOutputFolders() {
-  for (const Ref<AGPControl>& ctrl : controls_.items())
+  for (const Ref<AGPControl>& ctrl : controls_.walk())
     if (text::toLower(ctrl->CtrlType) == "folder" && !ctrl->CtrlOFolder.empty() &&
         ctrl->CtrlOFolder != "_security")
       OutputPath(ctrl->CtrlOFolder, "", false);
@@ -155,7 +155,7 @@ bool Generation::confirmDatabaseFolder(const std::string& folder) {
 std::int16_t Generation::CopyControlFiles(bool check) {
   AGPVarsData& vars = AGPVars();
   std::int16_t count = 0;
-  for (const Ref<AGPControl>& ctrl : controls_.items()) {
+  for (const Ref<AGPControl>& ctrl : controls_.walk()) {
     if (ctrl->CtrlType != "copy" || !project_.EvalCondition(ctrl->CtrlCond)) continue;
     if (const AGControlItem* item = projectItem(ctrl->CtrlID); item && !item->ItemGen) continue;
     vars.CurrentTemplateFolder = TemplateFolderOf(ctrl->CtrlExt);

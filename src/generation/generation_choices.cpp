@@ -79,7 +79,7 @@ std::string freeName(const std::string& name,
 
 void Generation::BuildControlItems() {
   AGControlItems& projectItems = *project_.ControlItems();
-  for (const Ref<AGPControl>& ctrl : controls_.items()) {
+  for (const Ref<AGPControl>& ctrl : controls_.walk()) {
     const std::string type = text::toLower(ctrl->CtrlType);
     if (type == "function" || type == "folder" || type == "field" || type == "chart") continue;
     if (type != "table" && type != "report") {
@@ -133,7 +133,7 @@ std::int32_t Generation::CountGenerationItems() {
     for (std::int32_t k = 1; k <= items.Count(); ++k) {
       const AGControlItem& item = *items.Item(Variant(k));
       if (!item.ItemGen) continue;
-      for (const Ref<AGPControl>& ctrl : controls_.items())
+      for (const Ref<AGPControl>& ctrl : controls_.walk())
         if (ctrl->CtrlID == item.ItemId && project_.EvalCondition(ctrl->CtrlCond)) ++count;
     }
     return count;
@@ -158,7 +158,7 @@ void Generation::MakeVarsUnique(AGPTable& table) {
     AGPTable& other = static_cast<AGPTable&>(*item);
     const std::string otherVar = other.attrText("TblVar");
     if (&other == &table || !IsGeneratedTable(other) || !var.starts_with(otherVar)) continue;
-    for (const Ref<AGPControl>& ctrl : controls_.items()) {
+    for (const Ref<AGPControl>& ctrl : controls_.walk()) {
       if (ctrl->CtrlType != "table" && ctrl->CtrlType != "report") continue;
       if (var == otherVar + "_" + ctrl->CtrlID) {
         table.setAttr("TblVar", Variant(var + "_zz"));

@@ -60,7 +60,7 @@ void Generation::GenScript() {
     if (prepareRun()) {
       openStatus(" - Validating control.xml...");
       std::int32_t staleSessions = 0;
-      for (const Ref<AGPControl>& ctrl : controls_.items())
+      for (const Ref<AGPControl>& ctrl : controls_.walk())
         if (isComposed(*ctrl) && IsControlStale(*ctrl))
           staleSessions += std::max<std::int32_t>(1, ctrl->Sessions()->Count());
       Status().CloseStatus();
@@ -235,7 +235,7 @@ void Generation::clearStaleCache(bool controlFileChanged) {
 void Generation::applyLanguageWildcard() {
   const std::string suffix = LanguageSuffix();
   const auto resolve = [&](std::string& value) { value = text::replaceAll(value, "*", suffix); };
-  for (const Ref<AGPControl>& ctrl : controls_.items()) {
+  for (const Ref<AGPControl>& ctrl : controls_.walk()) {
     resolve(ctrl->CtrlOExt);
     resolve(ctrl->CtrlIFiles);
     resolve(ctrl->CtrlTagExt);
@@ -271,7 +271,7 @@ void Generation::composeStaleControls(std::int32_t staleSessions) {
   AGPVarsData& vars = AGPVars();
   openStatus(" - Loading template...");
   FileCache().Clear();
-  for (const Ref<AGPControl>& ctrl : controls_.items())
+  for (const Ref<AGPControl>& ctrl : controls_.walk())
     if (isComposed(*ctrl)) LoadControlTemplates(*ctrl);
   Status().CloseStatus();
 
@@ -279,7 +279,7 @@ void Generation::composeStaleControls(std::int32_t staleSessions) {
   Status().ShowStatus3(project_.hwnd(), vars.StatusTitle);
   vars.ProgressTotal = staleSessions;
   vars.ProgressDone = 0;
-  for (const Ref<AGPControl>& ctrl : controls_.items()) {
+  for (const Ref<AGPControl>& ctrl : controls_.walk()) {
     if (!isComposed(*ctrl)) continue;
     if (Status().StatusIsCancelled()) CancelGeneration();
     if (!ctrl->CtrlGen) continue;

@@ -40,28 +40,14 @@ bool listedInRunLog(const std::string& log, const std::string& path) {
 
 }  // namespace
 
+// The file is written under a temporary name and renamed into place, so a
+// run that is stopped or killed never leaves a page cut short.
 void WriteOutputFile(const std::string& path, const std::string& text, bool raw) {
-  // On a case-sensitive file system a file that exists under `path` already
-  // has the requested spelling; only its content is replaced.
-  const std::filesystem::path target = files::nativePath(path);
-  std::error_code ec;
-  std::filesystem::remove(target, ec);
-  if (ec) {
-    reportFileError("creating file", path, ec.message());
-    return;
-  }
   const bool withBom = !raw && GeneralFlag("UTF8Output");
-  std::ofstream out(target, std::ios::binary | std::ios::trunc);
-  if (!out) {
-    reportFileError("creating file", path, std::generic_category().message(errno));
-    return;
-  }
-  if (withBom) out << kUtf8Bom;
-  out << text;
-  out.flush();
-  if (!out)
-    reportFileError(withBom ? "writing utf8 data to file" : "writing text data to file", path,
-                    std::generic_category().message(errno));
+  std::string error;
+  const std::string bytes = withBom ? std::string(kUtf8Bom) + text : text;
+  if (!files::writeFileAtomic(path, bytes, &error, files::Durability::Unsynced))
+    reportFileError(withBom ? "writing utf8 data to file" : "writing text data to file", path, error);
 }
 
 bool ConfirmOverwrite(const std::string& path, bool allow, bool check) {

@@ -9,7 +9,8 @@ namespace bw {
 // Replaces the file at `path` with `text`. With the general setting
 // UTF8Output on and `raw` false the file starts with a UTF-8 byte order
 // mark (the generated site's pages need it); otherwise it is plain text.
-// A failure does not stop the run: it is shown in a message box.
+// A failure does not stop the run: it is shown in a message box. Readers
+// see the old file or the new one, never a part.
 void WriteOutputFile(const std::string& path, const std::string& text, bool raw = false);
 
 // Whether the generated file at `path` may be (over)written. In check mode:

@@ -130,7 +130,7 @@ std::string Generation::OutputFileName(const AGPControl& ctrl, const std::string
 }
 
 std::string Generation::FolderById(const std::string& folderId) {
-  for (const Ref<AGPControl>& ctrl : controls_.items())
+  for (const Ref<AGPControl>& ctrl : controls_.walk())
     if (text::toLower(ctrl->CtrlType) == "folder" && text::iequals(ctrl->CtrlID, folderId))
       return ctrl->CtrlOFolder;
   return {};

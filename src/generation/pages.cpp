@@ -161,7 +161,7 @@ void Generation::failPage(const std::string& context) {
 std::int16_t Generation::GenerateTablePages(AGPTable& table, bool check) {
   AGPVarsData& vars = AGPVars();
   bool somePageOn = false, gridOn = false;
-  for (const Ref<AGPControl>& ctrl : controls_.items()) {
+  for (const Ref<AGPControl>& ctrl : controls_.walk()) {
     if (!ControlAppliesToTable(table, *ctrl)) continue;
     const AGControlItem* item = tableItem(table, ctrl->CtrlID);
     if (!item || !item->ItemGen) continue;
@@ -169,7 +169,7 @@ std::int16_t Generation::GenerateTablePages(AGPTable& table, bool check) {
     if (ctrl->CtrlID == "grid") gridOn = true;
   }
   std::int16_t count = 0;
-  for (const Ref<AGPControl>& ctrl : controls_.items()) {
+  for (const Ref<AGPControl>& ctrl : controls_.walk()) {
     if (!ControlAppliesToTable(table, *ctrl)) continue;
     ctrl->CtrlSkipHeaderFooter = false;
     AGControlItem* item = tableItem(table, ctrl->CtrlID);
@@ -216,7 +216,7 @@ std::int16_t Generation::GenerateFieldPages(AGPField& field, bool check) {
     somePageOn = items.Item(Variant(k))->ItemGen;
   if (!somePageOn) return 0;
   std::int16_t count = 0;
-  for (const Ref<AGPControl>& ctrl : controls_.items()) {
+  for (const Ref<AGPControl>& ctrl : controls_.walk()) {
     if (ctrl->CtrlType != "field" || !project_.EvalCondition(ctrl->CtrlCond)) continue;
     vars.OutputFile = OutputFileName(*ctrl, table.attrText("TblVar"), field.FldParm());
     const std::string path =
@@ -235,7 +235,7 @@ std::int16_t Generation::GenerateFieldPages(AGPField& field, bool check) {
 std::int16_t Generation::GenerateOtherPages(bool check, std::string_view typeList) {
   AGPVarsData& vars = AGPVars();
   std::int16_t count = 0;
-  for (const Ref<AGPControl>& ctrl : controls_.items()) {
+  for (const Ref<AGPControl>& ctrl : controls_.walk()) {
     const auto targetPath = [&](bool noCreate) {
       return OutputPath(JoinOutputFolder(ctrl->CtrlOFolderID, ctrl->CtrlOFolder),
                         OutputFileName(*ctrl, "", ""), noCreate);

@@ -90,7 +90,9 @@ bool writeAll(int fd, std::string_view bytes) {
 
 }  // namespace
 
-bool writeFileAtomic(std::string_view path, std::string_view bytes, std::string* error) {
+bool writeFileAtomic(std::string_view path, std::string_view bytes, std::string* error,
+                     Durability durability) {
+  const bool synced = durability == Durability::Synced;
   const fs::path target = nativePath(path);
   std::error_code ec;
   if (target.has_parent_path()) fs::create_directories(target.parent_path(), ec);
@@ -103,7 +105,7 @@ bool writeFileAtomic(std::string_view path, std::string_view bytes, std::string*
     if (error) *error = errnoText("cannot create", temp);
     return false;
   }
-  bool ok = writeAll(fd, bytes) && ::fsync(fd) == 0;
+  bool ok = writeAll(fd, bytes) && (!synced || ::fsync(fd) == 0);
   if (!ok && error) *error = errnoText("cannot write", temp);
   ::close(fd);
   if (ok && ::rename(temp.c_str(), target.c_str()) != 0) {
@@ -115,6 +117,7 @@ bool writeFileAtomic(std::string_view path, std::string_view bytes, std::string*
     return false;
   }
   // Make the rename itself durable.
+  if (!synced) return true;
   if (int dir = ::open(target.has_parent_path() ? target.parent_path().c_str() : ".",
                        O_RDONLY | O_DIRECTORY | O_CLOEXEC);
       dir >= 0) {

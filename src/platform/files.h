@@ -39,7 +39,13 @@ std::string readTextFile(std::string_view path);
 // Writes the bytes to a temporary file beside `path`, flushes it to disk and
 // renames it into place, so that readers see either the old file or the new
 // one, never a part. On failure `error` (if given) says why.
-bool writeFileAtomic(std::string_view path, std::string_view bytes, std::string* error = nullptr);
+//
+// `Synced` also survives a power loss (the file and its folder are flushed);
+// `Unsynced` still never shows a part to a reader or after a killed process,
+// and serves files that can be made again, such as generated output.
+enum class Durability { Synced, Unsynced };
+bool writeFileAtomic(std::string_view path, std::string_view bytes, std::string* error = nullptr,
+                     Durability durability = Durability::Synced);
 
 // The user's documents folder: $BRINDLEWORK_DOCUMENTS, else the XDG
 // documents folder, else $HOME/Documents.

@@ -119,6 +119,31 @@ class AGPControls : public Dispatch {
   // The controls in order, for walks from C++.
   const std::vector<Ref<AGPControl>>& items() const { return controls_; }
 
+  // The controls in order, each fetched through Item as the loop reaches
+  // it, so that curIndex, and with it the `ctrl` terms of conditions and
+  // CONTROLS.curIndex in scripts, is the control at hand:
+  //   for (const Ref<AGPControl>& ctrl : controls.walk()) ...
+  class Walk {
+   public:
+    struct iterator {
+      AGPControls* list;
+      std::int32_t position;
+      Ref<AGPControl> operator*() const { return list->Item(Variant(position)); }
+      iterator& operator++() {
+        ++position;
+        return *this;
+      }
+      bool operator!=(const iterator& other) const { return position != other.position; }
+    };
+    explicit Walk(AGPControls& list) : list_(list) {}
+    iterator begin() const { return {&list_, 1}; }
+    iterator end() const { return {&list_, list_.Count() + 1}; }
+
+   private:
+    AGPControls& list_;
+  };
+  Walk walk() { return Walk(*this); }
+
   const MemberTable& members() const override;
   std::string_view typeName() const override { return "AGPControls"; }
 
