@@ -63,6 +63,9 @@ class Generation {
   // Destination) joined with the file name; the folder is made unless
   // `noCreate`.
   std::string OutputPath(const std::string& folder, const std::string& fileName, bool noCreate);
+  // Where a table's page or a project page of the control goes.
+  std::string TablePagePath(AGPTable& table, const AGPControl& ctrl, bool noCreate);
+  std::string OtherPagePath(const AGPControl& ctrl, bool noCreate);
   std::string JoinOutputFolder(const std::string& folderId, const std::string& folder);
   // CtrlOFolder of the first "folder" control with this id; "" when none.
   std::string FolderById(const std::string& folderId);

@@ -84,8 +84,10 @@ void Generation::BuildControlItems() {
     if (type == "function" || type == "folder" || type == "field" || type == "chart") continue;
     if (type != "table" && type != "report") {
       if (!ctrl->CtrlTagExt.empty() || !project_.EvalCondition(ctrl->CtrlCond)) continue;
-      if (projectItems.Add(ctrl->CtrlID, OutputFileName(*ctrl, "", ""), true, remarkOf(*ctrl)))
-        projectItems.Item(Variant(ctrl->CtrlID))->ItemHasHeaderFooter = ctrl->CtrlHasHeaderFooter();
+      if (!projectItems.Add(ctrl->CtrlID, OutputFileName(*ctrl, "", ""), true, remarkOf(*ctrl))) continue;
+      AGControlItem& item = *projectItems.Item(Variant(ctrl->CtrlID));
+      item.ItemHasHeaderFooter = ctrl->CtrlHasHeaderFooter();
+      if (item.ItemDest.empty()) item.ItemDest = OtherPagePath(*ctrl, true);
       continue;
     }
     if (!ctrl->CtrlTagExt.empty() || ctrl->CtrlID == "gridcls" || ctrl->CtrlID == "info") continue;
@@ -95,11 +97,13 @@ void Generation::BuildControlItems() {
       AGControlItems& items = *table->ControlList();
       if (!items.Add(ctrl->CtrlID, name, true, remarkOf(*ctrl))) continue;
       const std::string lower = text::toLower(name);
-      items.Item(Variant(ctrl->CtrlID))->ItemHasHeaderFooter =
-          ctrl->CtrlID == "custom"
-              ? table->attrBool("IncludeFiles") &&
-                    (lower.ends_with(".cshtml") || lower.ends_with(".vbhtml"))
-              : ctrl->CtrlHasHeaderFooter();
+      AGControlItem& item = *items.Item(Variant(ctrl->CtrlID));
+      item.ItemHasHeaderFooter = ctrl->CtrlID == "custom"
+                                     ? table->attrBool("IncludeFiles") &&
+                                           (lower.ends_with(".cshtml") || lower.ends_with(".vbhtml"))
+                                     : ctrl->CtrlHasHeaderFooter();
+      // Where the page would go, so that the host can tell which exist.
+      item.ItemDest = TablePagePath(*table, *ctrl, true);
     }
   }
   ApplyGenLists();

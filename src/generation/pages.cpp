@@ -66,6 +66,22 @@ void Generation::makeCurrent(AGPTable* table, AGPField* field) {
   if (field) table->Fields()->SetItem(Variant(field->Key()));
 }
 
+// A custom file without tag goes to the table's own output folder.
+std::string Generation::TablePagePath(AGPTable& table, const AGPControl& ctrl, bool noCreate) {
+  std::string folderId = ctrl.CtrlOFolderID, folder = ctrl.CtrlOFolder;
+  if (ctrl.CtrlID == "custom" && ctrl.CtrlTagExt.empty()) {
+    folderId.clear();
+    folder = "~/" + table.attrText("OutputFolder");
+  }
+  return OutputPath(JoinOutputFolder(folderId, folder),
+                    OutputFileName(ctrl, table.attrText("TblVar"), ""), noCreate);
+}
+
+std::string Generation::OtherPagePath(const AGPControl& ctrl, bool noCreate) {
+  return OutputPath(JoinOutputFolder(ctrl.CtrlOFolderID, ctrl.CtrlOFolder),
+                    OutputFileName(ctrl, "", ""), noCreate);
+}
+
 // A table switched off can still get the system pages named in
 // TblSysGenUnits.
 bool Generation::ControlAppliesToTable(AGPTable& table, const AGPControl& ctrl) {
@@ -183,13 +199,8 @@ std::int16_t Generation::GenerateTablePages(AGPTable& table, bool check) {
       gen = gridOn;
     }
     if (!gen) continue;
-    std::string folderId = ctrl->CtrlOFolderID, folder = ctrl->CtrlOFolder;
-    if (ctrl->CtrlID == "custom" && ctrl->CtrlTagExt.empty()) {
-      folderId.clear();
-      folder = "~/" + table.attrText("OutputFolder");
-    }
     vars.OutputFile = OutputFileName(*ctrl, table.attrText("TblVar"), "");
-    const std::string path = OutputPath(JoinOutputFolder(folderId, folder), vars.OutputFile, check);
+    const std::string path = TablePagePath(table, *ctrl, check);
     if (item) item->ItemDest = path;
     if (check) {
       if (ConfirmOverwrite(path, true, true)) ++count;
@@ -236,10 +247,7 @@ std::int16_t Generation::GenerateOtherPages(bool check, std::string_view typeLis
   AGPVarsData& vars = AGPVars();
   std::int16_t count = 0;
   for (const Ref<AGPControl>& ctrl : controls_.walk()) {
-    const auto targetPath = [&](bool noCreate) {
-      return OutputPath(JoinOutputFolder(ctrl->CtrlOFolderID, ctrl->CtrlOFolder),
-                        OutputFileName(*ctrl, "", ""), noCreate);
-    };
+    const auto targetPath = [&](bool noCreate) { return OtherPagePath(*ctrl, noCreate); };
     // A report menu of an earlier related project does not stay behind.
     if (ctrl->CtrlID == "reportmenu" && project_.attrText("AppRelatedProject").empty()) {
       const std::string stale = targetPath(true);
