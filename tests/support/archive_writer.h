@@ -1,4 +1,5 @@
-// ArchiveWriter: zip archives made in tests, through libzip.
+// ArchiveWriter: zip archives made entry by entry in tests, through libzip.
+// ZipFolder, which zips a whole folder, comes with it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -6,10 +7,9 @@
 #include <zip.h>
 
 #include <deque>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
+
+#include "support/zip_folder.h"
 
 namespace bw::testing {
 
@@ -58,18 +58,5 @@ class ArchiveWriter {
   zip_t* archive_ = nullptr;
   std::deque<std::string> contents_;
 };
-
-// A zip of every file below `folder`, named relative to it.
-inline void ZipFolder(const std::filesystem::path& folder, const std::string& zipPath) {
-  ArchiveWriter writer(zipPath);
-  for (const auto& item : std::filesystem::recursive_directory_iterator(folder)) {
-    if (!item.is_regular_file()) continue;
-    std::ifstream in(item.path(), std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    writer.file(item.path().lexically_relative(folder).generic_string(), bytes.str());
-  }
-  writer.close();
-}
 
 }  // namespace bw::testing
