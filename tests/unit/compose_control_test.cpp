@@ -220,9 +220,11 @@ TEST_F(ComposeControlTest, OutputFilesCarryAByteOrderMarkOnlyWhenAsked) {
   WriteOutputFile(path, "raw", true);
   EXPECT_EQ(files::readFile(path), "raw");
 
-  WriteOutputFile(tempPath("no/such/folder/x.txt"), "x");
+  // A missing folder is made; a file where the folder should be is not.
+  WriteOutputFile(tempPath("out.txt/x.txt"), "x", true);
   ASSERT_EQ(host().messages.size(), 1u);
-  EXPECT_TRUE(host().messages[0].text.starts_with("Error in creating file '")) << host().messages[0].text;
+  EXPECT_TRUE(host().messages[0].text.starts_with("Error in writing text data to file '"))
+      << host().messages[0].text;
 }
 
 }  // namespace
