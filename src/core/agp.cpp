@@ -50,7 +50,7 @@ AGP::AGP()
   BuildSettingsPaths(vars);
 
   // A user hive without LanguageFolder belongs to a user's first run.
-  if (ReadSetting("HKCU", vars.RegGeneral, "LanguageFolder").toText().empty())
+  if (GeneralSetting("LanguageFolder").toText().empty())
     CopyMachineDefaults();
 
   const std::string templatePath = ReadSetting("HKCU", vars.RegProject, "Template").toText();
@@ -60,7 +60,7 @@ AGP::AGP()
   LoadDefault();
   makeUserFolders();
 
-  const std::string engine = ReadSetting("HKCU", vars.RegGeneral, "ScriptEngine").toText();
+  const std::string engine = GeneralSetting("ScriptEngine").toText();
   if (!engine.empty()) vars.ScriptLanguage = engine;
 
   loadThemeDefaults();
@@ -86,7 +86,7 @@ void AGP::makeUserFolders() {
 // project's theme, which override them. A file that does not load is
 // skipped: themes are optional.
 void AGP::loadThemeDefaults() {
-  const std::string folder = ReadSetting("HKCU", AGPVars().RegGeneral, "ThemeFolder").toText();
+  const std::string folder = GeneralSetting("ThemeFolder").toText();
   applyThemeFile(files::joinPath(folder, "bootstrap.xml"));
   const std::string theme = attrText("ApplicationTheme");
   if (!theme.empty()) applyThemeFile(files::joinPath(folder, text::toLower(theme) + ".xml"));

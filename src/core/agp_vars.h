@@ -21,6 +21,7 @@ class Host;
 class Dispatch;
 class StoredDefaultsCache;
 class ProgressSink;
+struct RunLogIndex;
 
 struct AGPVarsData {
   AGPVarsData();
@@ -154,6 +155,9 @@ struct AGPVarsData {
     std::int64_t scriptMs = 0;
     std::int64_t outputMs = 0;
   } GenerationStats;
+
+  // The paths listed in the run log, kept by LogGeneratedFile.
+  std::shared_ptr<RunLogIndex> RunLog;
 
   std::string OutputFile;       // the name of the file being generated
   std::string LanguageVersion;  // `version` of the language file last loaded

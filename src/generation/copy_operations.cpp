@@ -25,14 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool copyFile(const std::string& source, const std::string& target, std::string& error) {
-  std::error_code ec;
-  fs::copy_file(files::nativePath(source), files::nativePath(target),
-                fs::copy_options::overwrite_existing, ec);
-  error = ec.message();
-  return !ec;
-}
-
 std::string absolutePath(const std::string& path) {
   std::error_code ec;
   return fs::absolute(files::nativePath(path), ec).lexically_normal().string();
@@ -93,7 +85,7 @@ std::int16_t Generation::CopyDatabase(bool check) {
                                  ? db.attrText("DBPhyPath")
                                  : attachedDatabaseFile(db.attrText("DBConnstr"));
   if (source.find_first_of("\\/") == std::string::npos) return 0;
-  const std::string name = FileNameOf(source);
+  const std::string name = files::fileNameOf(source);
   if (!dbPath.empty()) folder += EnsureSep(dbPath);
   const std::string target = folder + name;
   if (!files::fileExists(source) || isOutsideSite(dbPath)) return 0;
@@ -120,14 +112,14 @@ std::int16_t Generation::CopyDatabase(bool check) {
   }
   if (!gen || skip || check) return 0;
   std::string error;
-  if (!copyFile(source, target, error)) {
+  if (!files::copyFile(source, target, &error)) {
     vars.ProjErr = "Copying to file \"" + target + "\" failed! Error = " + error;
     return 1;
   }
   // A SQL Server data file travels with its log.
   if (text::toLower(source).ends_with(".mdf")) {
     const auto logOf = [](const std::string& p) { return p.substr(0, p.size() - 4) + "_log.ldf"; };
-    if (files::fileExists(logOf(source))) copyFile(logOf(source), logOf(target), error);
+    if (files::fileExists(logOf(source))) files::copyFile(logOf(source), logOf(target));
   }
   return 0;
 }
@@ -180,10 +172,9 @@ bool Generation::copyControlFileItems(AGPControl& ctrl, bool check, std::int16_t
   for (const std::string& entry : entries) {
     const std::string source = TemplateFilePath(base, entry);
     std::string name = entry;
-    if (intoFolder) name = FileNameOf(text::replaceAll(name, "/", "\\"));
+    if (intoFolder) name = files::fileNameOf(text::replaceAll(name, "/", "\\"));
     if (source.empty()) {
-      vars.ProjErr = vars.ProductName + ": Source file does not exist - \"" + entry +
-                     "\"! Check if correct template.";
+      vars.ProjErr = ProductMessage(": Source file does not exist - \"" + entry + "\"! Check if correct template.");
       return false;
     }
     if (entries.size() == 1 && !ctrl.CtrlOFile.empty()) name = OutputFileName(ctrl, "", "");
@@ -195,13 +186,12 @@ bool Generation::copyControlFileItems(AGPControl& ctrl, bool check, std::int16_t
       continue;
     }
     Status().DispStatus("Copying file " + entry + "...");
-    std::error_code ec;
-    if (files::fileExists(target)) fs::remove(files::nativePath(target), ec);
+    const bool removed = files::removeFile(target);
     if (AGControlItem* item = projectItem(ctrl.CtrlID)) item->ItemDest = target;
     // An entry with a relative path keeps it in the site.
-    if (!ec) files::createFolders(target.substr(0, target.find_last_of("\\/") + 1));
-    std::string error = ec.message();
-    if (ec || !copyFile(source, target, error))
+    files::createFolders(target.substr(0, target.find_last_of("\\/") + 1));
+    std::string error = "the file cannot be deleted";
+    if (!removed || !files::copyFile(source, target, &error))
       Status().DispStatus("Copying file " + entry + " failed: " + error);
   }
   return true;
@@ -213,8 +203,8 @@ void Generation::copyControlFolder(AGPControl& ctrl, bool check, std::int16_t& c
   AGPVarsData& vars = AGPVars();
   std::string source = TemplateFilePath(vars.CurrentTemplateFolder, ctrl.CtrlIFolder);
   if (source.empty()) {
-    vars.ProjErr = vars.ProductName + ": Source folder does not exist - \"" + ctrl.CtrlIFolder +
-                   "\"! Check if correct template.";
+    vars.ProjErr = ProductMessage(": Source folder does not exist - \"" + ctrl.CtrlIFolder +
+                                  "\"! Check if correct template.");
     return;
   }
   const bool intoFolder = !ctrl.CtrlOFolderID.empty() || !ctrl.CtrlOFolder.empty();
@@ -241,25 +231,23 @@ void Generation::copyControlFolder(AGPControl& ctrl, bool check, std::int16_t& c
 void Generation::copyDevelopmentServer() {
   const std::string library = EnsureSep(files::programFolder()) + "cassini2\\Cassini.dll";
   const std::string target = OutputPath("~/bin", "Cassini.dll", false);
-  std::string error;
-  if (files::fileExists(library) && !files::fileExists(target)) copyFile(library, target, error);
+  if (files::fileExists(library) && !files::fileExists(target)) files::copyFile(library, target);
 }
 
 bool Generation::CopyFileItem(const std::string& id, const std::string& status,
                               const std::string& remark, const std::string& source,
                               const std::string& folder, bool check) {
   if (source.empty() || !files::fileExists(source)) return false;
-  const std::string target = OutputPath(folder, FileNameOf(source), check);
+  const std::string target = OutputPath(folder, files::fileNameOf(source), check);
   if (check) {
-    addProjectItem(id, FileNameOf(source), remark);
+    addProjectItem(id, files::fileNameOf(source), remark);
     return files::fileExists(target);
   }
   const AGControlItem* item = projectItem(id);
   const bool gen = !item || item->ItemGen;
   if (gen) {
     Status().DispStatus(status);
-    std::string error;
-    copyFile(source, target, error);
+    files::copyFile(source, target);
     StepProgress();
   }
   return gen;

@@ -25,6 +25,8 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace bw {
 
@@ -130,6 +132,7 @@ class Generation {
   void recordComposedFiles();
   void dropRunObjects();
   void openStatus(const std::string& text);
+  void openProgress(const std::string& text);
   void forEachTemplateFile(AGPControl& ctrl, const TemplateFileVisitor& visit);
 
   // The walk (pages.cpp).
@@ -164,11 +167,14 @@ class Generation {
 
   AGP& project_;
   AGPControls& controls_;
+  std::unordered_map<std::string, std::string> composedScripts_;  // by "tpl" path, for the run
 };
 
 // Tables that take part in generation: TblGen, or system pages named in
 // TblSysGenUnits.
 bool IsGeneratedTable(AGPTable& table);
+// The generated tables of the database, in sequence order.
+std::vector<AGPTable*> GeneratedTables(AGPDatabase& db);
 
 // Engine path helpers of generation.
 //
@@ -176,8 +182,6 @@ bool IsGeneratedTable(AGPTable& table);
 std::string EnsureSep(std::string_view path);
 // Makes the folder with its parents; no error when it exists.
 void MakeFolder(const std::string& path);
-// The part behind the last "\" or "/".
-std::string FileNameOf(std::string_view path);
 
 // baseName (with "_" parm), core and affix joined by `kind` ("prefix",
 // "infix", "suffix"; anything else leaves the affix out), lower case when

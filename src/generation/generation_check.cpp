@@ -30,7 +30,7 @@ std::int16_t Generation::GenCheck() {
   vars.ProjErr.clear();
   if (!project_.CreateRuntimeObjects()) return 0;
   if (!project_.DB()) {
-    vars.ProjErr = vars.ProductName + ": Database not loaded! Generation aborted!";
+    vars.ProjErr = ProductMessage(": Database not loaded! Generation aborted!");
     return 0;
   }
   vars.Destination = project_.attrText("Destination");
@@ -60,14 +60,14 @@ std::int16_t Generation::GenCheck() {
 bool Generation::unpackTemplate() {
   AGPVarsData& vars = AGPVars();
   const std::string templateFile = project_.attrText("Template");
-  vars.TemplateName = FileNameOf(templateFile);
+  vars.TemplateName = files::fileNameOf(templateFile);
   vars.Cache = make<AGPCache>();
   vars.TemplateKept = false;
   // The cache folder follows the template's name; making it can fail.
   if (!vars.ProjErr.empty()) return false;
   const std::int16_t r = CheckFileCache("template", "template", templateFile);
   if (r < 0) {
-    vars.ProjErr = vars.ProductName + ": Template file not found! Generation aborted!";
+    vars.ProjErr = ProductMessage(": Template file not found! Generation aborted!");
     return false;
   }
   vars.TemplateUnchanged = r == 0;

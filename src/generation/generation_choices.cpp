@@ -21,15 +21,6 @@ namespace {
 constexpr int kGenerate = 1;
 constexpr int kSkipHeaderFooter = 2;
 
-std::vector<AGPTable*> generatedTables(AGP& project) {
-  std::vector<AGPTable*> out;
-  for (DefinitionObject* item : project.DB()->Tables()->bySequence()) {
-    AGPTable& table = static_cast<AGPTable&>(*item);
-    if (IsGeneratedTable(table)) out.push_back(&table);
-  }
-  return out;
-}
-
 std::string remarkOf(const AGPControl& ctrl) {
   std::string remark = ctrl.CtrlRemark;
   if (!ctrl.CtrlExt.empty()) remark += (remark.empty() ? "(" : " (") + ctrl.CtrlExt + ")";
@@ -91,7 +82,7 @@ void Generation::BuildControlItems() {
       continue;
     }
     if (!ctrl->CtrlTagExt.empty() || ctrl->CtrlID == "gridcls" || ctrl->CtrlID == "info") continue;
-    for (AGPTable* table : generatedTables(project_)) {
+    for (AGPTable* table : GeneratedTables(*project_.DB())) {
       if (!ControlAppliesToTable(*table, *ctrl)) continue;
       const std::string name = OutputFileName(*ctrl, table->attrText("TblVar"), "");
       AGControlItems& items = *table->ControlList();
@@ -113,14 +104,14 @@ void Generation::BuildControlItems() {
 // template is on.
 void Generation::ApplyGenLists() {
   applyList(*project_.ControlItems(), project_.attrText("OtherGenList"));
-  for (AGPTable* table : generatedTables(project_))
+  for (AGPTable* table : GeneratedTables(*project_.DB()))
     applyList(*table->ControlList(), table->attrText("TblGenList"));
 }
 
 void Generation::SaveGenLists() {
   const std::string other = listText(*project_.ControlItems());
   if (project_.attrText("OtherGenList") != other) project_.setAttr("OtherGenList", Variant(other));
-  for (AGPTable* table : generatedTables(project_)) {
+  for (AGPTable* table : GeneratedTables(*project_.DB())) {
     const std::string stored = listText(*table->ControlList());
     if (table->attrText("TblGenList") != stored) table->setAttr("TblGenList", Variant(stored));
   }
@@ -128,7 +119,7 @@ void Generation::SaveGenLists() {
 
 void Generation::ResetControlItems() {
   clearList(*project_.ControlItems());
-  for (AGPTable* table : generatedTables(project_)) clearList(*table->ControlList());
+  for (AGPTable* table : GeneratedTables(*project_.DB())) clearList(*table->ControlList());
 }
 
 std::int32_t Generation::CountGenerationItems() {
@@ -144,7 +135,7 @@ std::int32_t Generation::CountGenerationItems() {
   };
   makeCurrent(nullptr);
   std::int32_t total = countFor(*project_.ControlItems());
-  for (AGPTable* table : generatedTables(project_)) {
+  for (AGPTable* table : GeneratedTables(*project_.DB())) {
     makeCurrent(table);
     total += countFor(*table->ControlList());
   }

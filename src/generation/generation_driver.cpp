@@ -39,17 +39,20 @@ bool isComposed(const AGPControl& ctrl) {
   return type != "copy" && type != "folder" && type != "system";
 }
 
-std::string stopText(std::string_view text) { return AGPVars().ProductName + std::string(text); }
-
 }  // namespace
 
 Generation::Generation(AGP& project) : project_(project), controls_(*project.ControlList()) {}
 
 void Generation::openStatus(const std::string& text) {
-  AGPVarsData& vars = AGPVars();
-  vars.StatusTitle = vars.ProductName + text;
-  Status().ShowStatus2(project_.hwnd(), vars.StatusTitle);
+  AGPVars().StatusTitle = ProductMessage(text);
+  Status().ShowStatus2(project_.hwnd(), AGPVars().StatusTitle);
   Status().DispStatus("Please wait...");
+}
+
+// A status with a bar and a cancel button, for the phases that show progress.
+void Generation::openProgress(const std::string& text) {
+  AGPVars().StatusTitle = ProductMessage(text);
+  Status().ShowStatus3(project_.hwnd(), AGPVars().StatusTitle);
 }
 
 void Generation::GenScript() {
@@ -65,8 +68,7 @@ void Generation::GenScript() {
           staleSessions += std::max<std::int32_t>(1, ctrl->Sessions()->Count());
       Status().CloseStatus();
       if (staleSessions > 0) composeStaleControls(staleSessions);
-      vars.StatusTitle = vars.ProductName + " - Generating " + vars.PlatformName.toText() + " Scripts...";
-      Status().ShowStatus3(project_.hwnd(), vars.StatusTitle);
+      openProgress(" - Generating " + vars.PlatformName.toText() + " Scripts...");
       PrepareOutputFolders();
       GeneratePages(false);
     }
@@ -86,17 +88,17 @@ bool Generation::prepareRun() {
   SaveGenLists();
   if (!project_.CreateRuntimeObjects()) return false;
   if (!project_.DB()) {
-    vars.ProjErr = stopText(": Database not loaded! Generation aborted!");
+    vars.ProjErr = ProductMessage(": Database not loaded! Generation aborted!");
     return false;
   }
   if (project_.DB()->Tables()->Count() == 0) {
-    vars.ProjErr = stopText(": No tables found in the Database! Generation aborted!");
+    vars.ProjErr = ProductMessage(": No tables found in the Database! Generation aborted!");
     return false;
   }
   if (!CheckUserLevelFieldSize()) return false;
 
   const std::string templateFile = project_.attrText("Template");
-  vars.TemplateName = FileNameOf(templateFile);
+  vars.TemplateName = files::fileNameOf(templateFile);
   vars.Cache = make<AGPCache>();
   vars.TemplateFolder = PrepareTemplatePackage(templateFile, "Script", false, true, !vars.TemplateUnchanged);
   bool controlFileChanged = false;
@@ -122,8 +124,7 @@ void Generation::startProfiler() {
   if (!vars.ProfilerOn) return;
   vars.ProfilerNote.clear();
   vars.ProfilerFile = EnsureSep(vars.Destination) + text::toLower(vars.ProductKey) + "_profiler.log";
-  std::error_code ec;
-  std::filesystem::remove(files::nativePath(vars.ProfilerFile), ec);
+  files::removeFile(vars.ProfilerFile);
 }
 
 // A report project related to this one decides the version its pages must
@@ -142,7 +143,7 @@ bool Generation::checkControlFile(bool& changed) {
   const std::string file = files::joinPath(vars.TemplateFolder, "control.xml");
   const std::int16_t r = CheckFileCache("control", "control", file);
   if (r < 0) {
-    vars.ProjErr = stopText(": control file not found! Generation aborted!");
+    vars.ProjErr = ProductMessage(": control file not found! Generation aborted!");
     return false;
   }
   changed = r != 0;
@@ -156,11 +157,11 @@ bool Generation::checkTemplateVersion() {
   const std::string& version = controls_.ProdVersion();
   switch (CompareVersion(version, vars.TemplateVersion)) {
     case 2:
-      vars.ProjErr = stopText(": Template version (" + version + ") newer than software version (" +
+      vars.ProjErr = ProductMessage(": Template version (" + version + ") newer than software version (" +
                               project_.AppVersion() + ")! Generation aborted!");
       return false;
     case -1:
-      vars.ProjErr = stopText(": Template version (" + version + ") older than minimum required (" +
+      vars.ProjErr = ProductMessage(": Template version (" + version + ") older than minimum required (" +
                               vars.TemplateVersion + ")! Generation aborted!");
       return false;
     default:
@@ -183,19 +184,19 @@ bool Generation::loadLanguageFiles() {
       const std::string entry = CleanString(Variant(raw));
       if (language.Load(files::joinPath(vars.LanguageFolder, entry))) {
         if (CompareVersion(project_.AppVersion(), vars.LanguageVersion) == 0) continue;
-        vars.ProjErr = stopText(": Language file '" + entry + "' version (" + vars.LanguageVersion +
+        vars.ProjErr = ProductMessage(": Language file '" + entry + "' version (" + vars.LanguageVersion +
                                 ") not matched with the software version (" + project_.AppVersion() +
                                 ")! Generation aborted!");
         return false;
       }
       if (!useDefaultLanguageFile(entry, list)) {
-        vars.ProjErr = stopText(" - Error in loading the language file '" + entry + "'. Generation aborted.");
+        vars.ProjErr = ProductMessage(" - Error in loading the language file '" + entry + "'. Generation aborted.");
         return false;
       }
     }
   }
   if (list.empty()) {
-    vars.ProjErr = stopText(": No language file specified in project! Generation aborted!");
+    vars.ProjErr = ProductMessage(": No language file specified in project! Generation aborted!");
     return false;
   }
   return true;
@@ -275,8 +276,7 @@ void Generation::composeStaleControls(std::int32_t staleSessions) {
     if (isComposed(*ctrl)) LoadControlTemplates(*ctrl);
   Status().CloseStatus();
 
-  vars.StatusTitle = vars.ProductName + " - Creating Cache Files...";
-  Status().ShowStatus3(project_.hwnd(), vars.StatusTitle);
+  openProgress(" - Creating Cache Files...");
   vars.ProgressTotal = staleSessions;
   vars.ProgressDone = 0;
   for (const Ref<AGPControl>& ctrl : controls_.walk()) {

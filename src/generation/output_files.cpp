@@ -1,15 +1,16 @@
 #include "generation/output_files.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <system_error>
+#include <unordered_set>
 
 #include "core/agp_vars.h"
 #include "core/registry.h"
 #include "core/status.h"
-#include "platform/files.h"
 #include "platform/clock.h"
+#include "platform/files.h"
 #include "platform/host.h"
 #include "platform/text.h"
 
@@ -32,10 +33,29 @@ void appendLine(const std::string& path, const std::string& line) {
   out << line;
 }
 
-bool listedInRunLog(const std::string& log, const std::string& path) {
-  for (const std::string& line : text::split(files::readTextFile(log), text::kCrLf))
-    if (text::iequals(line, path)) return true;
-  return false;
+}  // namespace
+
+// The paths of the run log, so that a run does not read the whole log for
+// every file it writes. The log is read again when it is another file, or
+// when its size says that someone else changed it.
+struct RunLogIndex {
+  std::string log;
+  std::uintmax_t size = 0;
+  std::unordered_set<std::string, text::CaseInsensitiveHash, text::CaseInsensitiveEqual> paths;
+};
+
+namespace {
+
+RunLogIndex& runLogIndex(const std::string& log) {
+  std::shared_ptr<RunLogIndex>& index = AGPVars().RunLog;
+  if (index && index->log == log && index->size == files::fileSize(log)) return *index;
+  index = std::make_shared<RunLogIndex>();
+  index->log = log;
+  index->size = files::fileSize(log);
+  if (index->size > 0)
+    for (std::string& line : text::split(files::readTextFile(log), text::kCrLf))
+      index->paths.insert(std::move(line));
+  return *index;
 }
 
 }  // namespace
@@ -54,11 +74,7 @@ bool ConfirmOverwrite(const std::string& path, bool allow, bool check) {
   if (check) return files::fileExists(path);
   if (!files::fileExists(path)) return true;
   if (!allow) return false;
-  if (GeneralFlag("BackupFile")) {
-    std::error_code ec;
-    std::filesystem::copy_file(files::nativePath(path), files::nativePath(path + ".bak"),
-                               std::filesystem::copy_options::overwrite_existing, ec);
-  }
+  if (GeneralFlag("BackupFile")) files::copyFile(path, path + ".bak");
   return true;
 }
 
@@ -78,12 +94,12 @@ bool ConfirmFolderOverwrite(const std::string& path, bool allow, bool check) {
 
 void LogGeneratedFile(const std::string& path, std::int64_t startTick, std::int64_t endTick) {
   AGPVarsData& vars = AGPVars();
-  std::string destination = vars.Destination;
-  if (!destination.empty() && destination.back() != '\\' && destination.back() != '/')
-    destination += '\\';
-  const std::string log = destination + vars.ProductKey + ".log";
-  if (files::fileExists(log) && listedInRunLog(log, path)) return;
+  const std::string log = files::joinPath(vars.Destination, vars.ProductKey + ".log");
+  RunLogIndex& index = runLogIndex(log);
+  if (index.paths.contains(path)) return;
   appendLine(log, path);
+  index.paths.insert(path);
+  index.size = files::fileSize(log);
   if (!vars.ProfilerOn) return;
   appendLine(vars.ProfilerFile, path + "\t(" + formatDate(clock::now()) + ": " +
                                     std::to_string(endTick - startTick) + " ms)");

@@ -32,11 +32,6 @@ void MakeFolder(const std::string& path) {
   if (!path.empty()) files::createFolders(path);
 }
 
-std::string FileNameOf(std::string_view path) {
-  const std::size_t at = path.find_last_of("\\/");
-  return std::string(at == std::string_view::npos ? path : path.substr(at + 1));
-}
-
 std::string ComposeName(const std::string& baseName, const std::string& parm,
                         const std::string& core, const std::string& kind,
                         const std::string& affix, bool lower) {

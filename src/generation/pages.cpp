@@ -32,16 +32,19 @@ bool typeInList(const std::string& type, std::string_view typeList) {
   return false;
 }
 
-std::vector<AGPTable*> tablesBySequence(AGPTables& tables) {
-  std::vector<AGPTable*> out;
-  for (DefinitionObject* item : tables.bySequence()) out.push_back(static_cast<AGPTable*>(item));
-  return out;
-}
-
 }  // namespace
 
 bool IsGeneratedTable(AGPTable& table) {
   return table.TblGen() || !table.attrText("TblSysGenUnits").empty();
+}
+
+std::vector<AGPTable*> GeneratedTables(AGPDatabase& db) {
+  std::vector<AGPTable*> out;
+  for (DefinitionObject* item : db.Tables()->bySequence()) {
+    AGPTable& table = static_cast<AGPTable&>(*item);
+    if (IsGeneratedTable(table)) out.push_back(&table);
+  }
+  return out;
 }
 
 AGControlItem* Generation::projectItem(const std::string& id) {
@@ -147,8 +150,7 @@ void Generation::prepareTables() {
 std::int16_t Generation::walkTables(bool check) {
   AGPVarsData& vars = AGPVars();
   std::int32_t total = 0;
-  for (AGPTable* table : tablesBySequence(*project_.DB()->Tables())) {
-    if (!IsGeneratedTable(*table)) continue;
+  for (AGPTable* table : GeneratedTables(*project_.DB())) {
     makeCurrent(table);
     total += GenerateTablePages(*table, check);
     if (total > 0) break;
@@ -170,8 +172,8 @@ std::int16_t Generation::walkTables(bool check) {
 
 // ProjErr reads from the newest context to the oldest.
 void Generation::failPage(const std::string& context) {
-  AGPVarsData& vars = AGPVars();
-  vars.ProjErr = vars.ProductName + context + std::string(text::kCrLf) + vars.ProjErr;
+  std::string& projErr = AGPVars().ProjErr;
+  projErr = ProductMessage(context) + std::string(text::kCrLf) + projErr;
 }
 
 std::int16_t Generation::GenerateTablePages(AGPTable& table, bool check) {
@@ -251,7 +253,7 @@ std::int16_t Generation::GenerateOtherPages(bool check, std::string_view typeLis
     // A report menu of an earlier related project does not stay behind.
     if (ctrl->CtrlID == "reportmenu" && project_.attrText("AppRelatedProject").empty()) {
       const std::string stale = targetPath(true);
-      if (files::fileExists(stale)) std::filesystem::remove(files::nativePath(stale));
+      files::removeFile(stale);
     }
     if (!typeInList(ctrl->CtrlType, typeList)) continue;
     if (!project_.EvalCondition(ctrl->CtrlCond)) continue;
@@ -315,7 +317,11 @@ void Generation::runComposedFunction(const std::string& scriptFile, const std::s
     RaiseGenerationError();
   }
   const std::int64_t start = clock::tickCount();
-  const std::string code = files::readTextFile(scriptFile);
+  // Every table's page of a control runs the same composed function: its
+  // file is read once per run.
+  auto [cached, isNew] = composedScripts_.try_emplace(scriptFile);
+  if (isNew) cached->second = files::readTextFile(scriptFile);
+  const std::string& code = cached->second;
   vars.ScriptEngineTimeout = GeneralSetting("ScriptEngineTimeout").toLong().value_or(0);
   std::string result = GenerationScript()->BuildNewCode(project_.ControlFunctionId(ctrl), code,
                                                        initType, vars.ScriptEngineTimeout);

@@ -104,8 +104,7 @@ bool Generation::WriteProjectConfigXml(const std::string& path) {
     appendLineBreak(projectNode);
   }
   // The whole file is made again on every run: nothing of an older one stays.
-  std::error_code ec;
-  std::filesystem::remove(files::nativePath(path), ec);
+  files::removeFile(path);
   WriteUtf8File(path, xml::outerXml(doc));
   return true;
 }
@@ -113,7 +112,7 @@ bool Generation::WriteProjectConfigXml(const std::string& path) {
 void Generation::copyStyleSheet(bool check, std::int64_t startTick) {
   const std::string css = project_.attrText("CSS");
   if (css.empty()) return;
-  const std::string target = OutputPath(FolderById("_css"), FileNameOf(css), check);
+  const std::string target = OutputPath(FolderById("_css"), files::fileNameOf(css), check);
   if (css == target) return;  // the file is in place already
   if (check) {
     addProjectItem("@cssfile", target, "Copy user CSS");
@@ -123,9 +122,7 @@ void Generation::copyStyleSheet(bool check, std::int64_t startTick) {
   if ((!item || item->ItemGen)) {
     Status().DispStatus("Copying css...");
     if (files::fileExists(css)) {
-      std::error_code ec;
-      std::filesystem::copy_file(files::nativePath(css), files::nativePath(target),
-                                 std::filesystem::copy_options::overwrite_existing, ec);
+      files::copyFile(css, target);
       LogGeneratedFile(target, startTick, clock::tickCount());
     }
   }
@@ -135,7 +132,7 @@ void Generation::copyStyleSheet(bool check, std::int64_t startTick) {
 void Generation::copyLogo(bool check) {
   const std::string logo = project_.attrText("HeaderLogo");
   if (logo.empty() || !files::fileExists(logo)) return;
-  const std::string name = FileNameOf(logo);
+  const std::string name = files::fileNameOf(logo);
   if (check) {
     addProjectItem("@logo", name, "Copy logo");
     return;
@@ -144,9 +141,7 @@ void Generation::copyLogo(bool check) {
   if (item && !item->ItemGen) return;
   const std::string target = OutputPath(FolderById("_images"), name, check);
   Status().DispStatus("Copying logo...");
-  std::error_code ec;
-  std::filesystem::copy_file(files::nativePath(logo), files::nativePath(target),
-                             std::filesystem::copy_options::overwrite_existing, ec);
+  files::copyFile(logo, target);
   StepProgress();
 }
 

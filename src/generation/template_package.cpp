@@ -14,14 +14,6 @@
 namespace bw {
 namespace {
 
-// A zip name becomes one folder level.
-std::string folderNameOf(std::string_view fileName) {
-  std::string out;
-  for (char c : fileName)
-    if (c != ' ' && c != '/') out += c;
-  return out;
-}
-
 std::string madeFolder(const std::string& path) {
   MakeFolder(path);
   return path;
@@ -53,8 +45,7 @@ std::string PrepareTemplateFolders(const std::string& baseName, const std::strin
     vars.ExtensionFolder = madeFolder(files::joinPath(vars.ExtensionsFolder, kind));
     return vars.ExtensionFolder;
   }
-  vars.TemplateBaseFolder = madeFolder(
-      files::joinPath(files::joinPath(vars.UserFolder, "Templates"), folderNameOf(baseName)));
+  vars.TemplateBaseFolder = madeFolder(TemplateBaseFolderOf(baseName));
   vars.ExtensionsFolder = madeFolder(files::joinPath(vars.TemplateBaseFolder, "extensions"));
   vars.CacheFolder = madeFolder(files::joinPath(vars.TemplateBaseFolder, "cache"));
   vars.BootstrapFolder = madeFolder(files::joinPath(vars.TemplateBaseFolder, "bootstrap"));
@@ -64,7 +55,7 @@ std::string PrepareTemplateFolders(const std::string& baseName, const std::strin
 std::string PrepareTemplatePackage(const std::string& file, const std::string& kind,
                                    bool isExtension, bool extract, bool force) {
   if (file.empty()) return {};
-  std::string folder = PrepareTemplateFolders(FileNameOf(file), kind, isExtension);
+  std::string folder = PrepareTemplateFolders(files::fileNameOf(file), kind, isExtension);
   if (!extract || folder.empty()) return folder;
   bool unpackNow = force;
   if (!force) {

@@ -81,7 +81,7 @@ bool Generation::IsControlStale(AGPControl& ctrl) {
 
   const std::string composed = CachedScriptPath(ctrl);
   const AGPCache* cache = RunCache();
-  const Variant recorded = cache ? cache->GetCacheDate(Variant("tpl"), Variant(FileNameOf(composed)))
+  const Variant recorded = cache ? cache->GetCacheDate(Variant("tpl"), Variant(files::fileNameOf(composed)))
                                  : Variant::date(0.0);
   // No record reads as the zero date, which is no text.
   const bool hasRecord = recorded.isString() && files::fileExists(composed);

@@ -50,8 +50,7 @@ bool Generation::CreateLanguageFile(const std::string& id, const std::string& st
   pugi::xml_attribute date = root.attribute("date");
   (date ? date : root.append_attribute("date")) = unpaddedDate().c_str();
   if (!skipSave) {
-    std::error_code ec;
-    std::filesystem::remove(files::nativePath(target), ec);
+    files::removeFile(target);
     WriteUtf8File(target, xml::outerXml(doc));
     StepProgress();
   }

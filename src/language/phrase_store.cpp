@@ -5,6 +5,7 @@
 #include <pugixml.hpp>
 
 #include "core/agp_vars.h"
+#include "platform/files.h"
 #include "platform/text.h"
 #include "platform/xml.h"
 
@@ -17,20 +18,6 @@ Record* firstMatch(std::vector<Record>& records, Match match) {
   return it == records.end() ? nullptr : &*it;
 }
 
-// The value of the attribute whose lower-case name is `lowerName`; "" when
-// there is none.
-std::string attributeValue(const pugi::xml_node& node, std::string_view lowerName) {
-  for (const pugi::xml_attribute& a : node.attributes())
-    if (text::toLower(a.name()) == lowerName) return a.value();
-  return {};
-}
-
-// The part behind the last "\" (or "/", the separator of this platform).
-std::string fileNameOf(const std::string& path) {
-  const std::size_t at = path.find_last_of("\\/");
-  return at == std::string::npos ? path : path.substr(at + 1);
-}
-
 }  // namespace
 
 bool AGPLanguage::Load(const std::string& file) {
@@ -40,8 +27,8 @@ bool AGPLanguage::Load(const std::string& file) {
     return false;
   }
   const pugi::xml_node root = doc.document_element();
-  AGPVars().LanguageVersion = attributeValue(root, "version");
-  files_.push_back({attributeValue(root, "id"), attributeValue(root, "desc"), fileNameOf(file)});
+  AGPVars().LanguageVersion = xml::attributeNoCase(root, "version");
+  files_.push_back({xml::attributeNoCase(root, "id"), xml::attributeNoCase(root, "desc"), files::fileNameOf(file)});
   return true;
 }
 

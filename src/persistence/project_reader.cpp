@@ -48,12 +48,6 @@ std::string productError(const std::string& text) { return AGPVars().ProductName
 
 std::string lowerName(const pugi::xml_node& node) { return text::toLower(node.name()); }
 
-// An attribute found without regard to case; "" when missing.
-std::string attribute(const pugi::xml_node& element, std::string_view name) {
-  for (const pugi::xml_attribute& a : element.attributes())
-    if (text::iequals(a.name(), name)) return a.value();
-  return {};
-}
 
 bool isBooleanText(std::string_view value) {
   return ConvertSetting(Variant(std::string(value)), DataKind::Boolean).toBoolean().value_or(false);
@@ -248,7 +242,7 @@ void ProjectReader::read(const std::string& projFile) {
   convertForeignFormat();
   checkVersion();
   loadMenus();
-  project_.keywordFile_ = ReadSetting("HKCU", vars_.RegGeneral, "Keyword").toText();
+  project_.keywordFile_ = GeneralSetting("Keyword").toText();
   Keywords().Load(Variant(project_.keywordFile_));
   if (std::string_view(root().name()) != "Project") stop(productError("Invalid Project File!"));
   showProgress();
@@ -289,7 +283,7 @@ bool AGP::CreateRuntimeObjects() {
 }
 
 void ProjectReader::loadCodeBase() {
-  project_.codeBaseFile_ = ReadSetting("HKCU", vars_.RegGeneral, "CodeBase").toText();
+  project_.codeBaseFile_ = GeneralSetting("CodeBase").toText();
   if (!project_.codeBaseFile_.empty() && files::fileExists(project_.codeBaseFile_))
     CodeBase().Load(Variant(project_.codeBaseFile_));
 }
@@ -396,7 +390,7 @@ void ProjectReader::loadProjectNodes(const pugi::xml_node& element) {
 }
 
 void ProjectReader::loadDatabase(const pugi::xml_node& element) {
-  std::string name = attribute(element, "DBName");
+  std::string name = xml::attributeNoCase(element, "DBName");
   if (name.empty()) name = "zt_db";
   db_ = project_.addDatabase(name).get();
   if (!db_) return;
@@ -423,7 +417,7 @@ void ProjectReader::loadDatabaseItems() {
 }
 
 void ProjectReader::loadTable(const pugi::xml_node& element) {
-  const std::string name = attribute(element, "TblName");
+  const std::string name = xml::attributeNoCase(element, "TblName");
   if (!db_ || name.empty()) return;
   if (progressTotal_ > 0) {
     Status().DispStatus("Loading TABLE/VIEW \"" + name + "\"...");
@@ -451,7 +445,7 @@ void ProjectReader::loadTable(const pugi::xml_node& element) {
 }
 
 void ProjectReader::loadField(const pugi::xml_node& element) {
-  const std::string name = attribute(element, "FldName");
+  const std::string name = xml::attributeNoCase(element, "FldName");
   if (!db_ || !table_ || name.empty()) return;
   AGPField* field = table_->Fields()->appendLoaded(name);
   if (!field) return;
@@ -464,7 +458,7 @@ void ProjectReader::loadField(const pugi::xml_node& element) {
   }
   if (field->attrBool("FldAutoIncrement")) field->setAttr("FldAdd", Variant(false));
   field->setAttr("FldGenerate", field->attr("FldSupport"));
-  if (attribute(element, "FldExport").empty()) field->setAttr("FldExport", field->attr("FldList"));
+  if (xml::attributeNoCase(element, "FldExport").empty()) field->setAttr("FldExport", field->attr("FldList"));
   const std::string view = field->attrText("FldViewTemplate");
   if (text::ifindAscii(view, "\"id\":\"QRCode\"") != std::string::npos) {
     std::string fixed = text::replaceAll(view, "\"id\":\"QRCode\"", "\"id\":\"Barcode\"");
@@ -478,26 +472,26 @@ void ProjectReader::loadField(const pugi::xml_node& element) {
 
 void ProjectReader::loadMasterDetail(const pugi::xml_node& element) {
   AGPMasterDetails& list = MasterDetails();
-  const std::string master = attribute(element, "MasterTable");
-  const std::string detail = attribute(element, "DetailTable");
+  const std::string master = xml::attributeNoCase(element, "MasterTable");
+  const std::string detail = xml::attributeNoCase(element, "DetailTable");
   if (!list.Add(master, detail)) return;
   Ref<AGPMasterDetail> item = list.Item(master, detail);
-  item->setEnforceReferentialIntegrity(isBooleanText(attribute(element, "EnforceReferentialIntegrity")));
-  item->setCascadeUpdate(isBooleanText(attribute(element, "CascadeUpdate")));
-  item->setCascadeDelete(isBooleanText(attribute(element, "CascadeDelete")));
+  item->setEnforceReferentialIntegrity(isBooleanText(xml::attributeNoCase(element, "EnforceReferentialIntegrity")));
+  item->setCascadeUpdate(isBooleanText(xml::attributeNoCase(element, "CascadeUpdate")));
+  item->setCascadeDelete(isBooleanText(xml::attributeNoCase(element, "CascadeDelete")));
   for (const pugi::xml_node& relation : element.children("Relation"))
-    item->AddRelation(attribute(relation, "MasterField"), attribute(relation, "DetailField"));
+    item->AddRelation(xml::attributeNoCase(relation, "MasterField"), xml::attributeNoCase(relation, "DetailField"));
 }
 
 void ProjectReader::loadCustomScript(const pugi::xml_node& element) {
   CustomScript script{
-      .ScriptType = attribute(element, "ScriptType"),
-      .ScriptCodeType = attribute(element, "ScriptCodeType"),
-      .ScriptName = attribute(element, "ScriptName"),
-      .ScriptLanguage = attribute(element, "ScriptLanguage"),
-      .ScriptCtrlID = attribute(element, "ScriptCtrlID"),
-      .ScriptL1Key = attribute(element, "ScriptL1Key"),
-      .ScriptL2Key = attribute(element, "ScriptL2Key"),
+      .ScriptType = xml::attributeNoCase(element, "ScriptType"),
+      .ScriptCodeType = xml::attributeNoCase(element, "ScriptCodeType"),
+      .ScriptName = xml::attributeNoCase(element, "ScriptName"),
+      .ScriptLanguage = xml::attributeNoCase(element, "ScriptLanguage"),
+      .ScriptCtrlID = xml::attributeNoCase(element, "ScriptCtrlID"),
+      .ScriptL1Key = xml::attributeNoCase(element, "ScriptL1Key"),
+      .ScriptL2Key = xml::attributeNoCase(element, "ScriptL2Key"),
       .ScriptCode = element.first_child().value(),
   };
   if (script.ScriptLanguage.empty()) {
@@ -514,7 +508,7 @@ void ProjectReader::loadCustomScript(const pugi::xml_node& element) {
 
 void ProjectReader::loadPhrase(const std::string& kind, const pugi::xml_node& element) {
   AGPLanguage& language = Language();
-  const auto a = [&](std::string_view name) { return attribute(element, name); };
+  const auto a = [&](std::string_view name) { return xml::attributeNoCase(element, name); };
   if (kind == "projectphrase")
     language.SetProjectPhrase(a("LanguageId"), a("ProjectAttribute"), a("Phrase"));
   else if (kind == "menuphrase")
@@ -532,14 +526,14 @@ void ProjectReader::loadExtensionNodes(const pugi::xml_node& element) {
   for (const pugi::xml_node& child : element.children()) {
     if (lowerName(child) != "extension") continue;
     Extension extension;
-    extension.Name = attribute(child, "Name");
+    extension.Name = xml::attributeNoCase(child, "Name");
     if (extension.Name.empty()) continue;
     for (const pugi::xml_node& table :
          child.child("ExtProject").child("ExtDatabase").children("ExtTable")) {
       ExtensionTable entry;
-      entry.TblName = attribute(table, "TblName");
+      entry.TblName = xml::attributeNoCase(table, "TblName");
       for (const pugi::xml_node& field : table.children("ExtField"))
-        entry.fields.push_back(attribute(field, "FldName"));
+        entry.fields.push_back(xml::attributeNoCase(field, "FldName"));
       extension.tables.push_back(std::move(entry));
     }
     auto kept = std::make_shared<pugi::xml_document>();
@@ -561,7 +555,7 @@ void ProjectReader::updateRelatedProject() {
   const auto firstPart = [](const std::string& v) { return v.substr(0, v.find('.')); };
   project_.setAttr("AppCompatVersion", Variant(firstPart(relatedVersion)));
   const std::string ours = firstPart(vars_.ProductVersion);
-  if (attribute(relatedRoot, "AppCompatVersion") == ours) return;
+  if (xml::attributeNoCase(relatedRoot, "AppCompatVersion") == ours) return;
   const std::string encoding = text::toLower(relatedDoc.first_child().attribute("encoding").value());
   pugi::xml_attribute compat = relatedRoot.attribute("AppCompatVersion");
   (compat ? compat : relatedRoot.append_attribute("AppCompatVersion")) = ours.c_str();

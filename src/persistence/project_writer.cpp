@@ -290,7 +290,7 @@ void AGP::Save(const std::string& projFile) {
     std::string text(kUtf8ByteOrderMark);
     ProjectWriter(*this, text).write();
     std::int16_t maxCount =
-        ConvertSetting(ReadSetting("HKCU", vars.RegGeneral, "MaxProjectBackupCount"),
+        ConvertSetting(GeneralSetting("MaxProjectBackupCount"),
                        DataKind::Integer)
             .toInteger()
             .value_or(0);

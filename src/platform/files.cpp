@@ -47,6 +47,24 @@ std::optional<std::tm> lastWriteTime(std::string_view path) {
   return local;
 }
 
+bool copyFile(std::string_view source, std::string_view target, std::string* error) {
+  std::error_code ec;
+  fs::copy_file(nativePath(source), nativePath(target), fs::copy_options::overwrite_existing, ec);
+  if (ec && error) *error = ec.message();
+  return !ec;
+}
+
+bool removeFile(std::string_view path) {
+  std::error_code ec;
+  fs::remove(nativePath(path), ec);
+  return !fileExists(path);
+}
+
+std::string fileNameOf(std::string_view path) {
+  const std::size_t at = path.find_last_of("\\/");
+  return std::string(at == std::string_view::npos ? path : path.substr(at + 1));
+}
+
 bool createFolders(std::string_view path) {
   std::error_code ec;
   fs::create_directories(nativePath(path), ec);

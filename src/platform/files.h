@@ -25,6 +25,14 @@ std::uintmax_t fileSize(std::string_view path);
 // being the finest unit; nullopt when it does not exist.
 std::optional<std::tm> lastWriteTime(std::string_view path);
 
+// Copies a file over an existing one; false with `error` set on failure.
+bool copyFile(std::string_view source, std::string_view target, std::string* error = nullptr);
+// Deletes a file; true when none is there afterwards.
+bool removeFile(std::string_view path);
+
+// The part of a path behind its last "\" or "/".
+std::string fileNameOf(std::string_view path);
+
 // Creates a folder with all missing parents; true if it exists afterwards.
 bool createFolders(std::string_view path);
 

@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "platform/files.h"
+#include "platform/text.h"
 
 namespace bw::xml {
 
@@ -37,6 +38,12 @@ std::string_view localName(const pugi::xml_node& node) {
   std::string_view name = node.name();
   auto colon = name.find(':');
   return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+std::string attributeNoCase(const pugi::xml_node& element, std::string_view name) {
+  for (const pugi::xml_attribute& a : element.attributes())
+    if (text::iequals(a.name(), name)) return a.value();
+  return {};
 }
 
 std::string outerXml(const pugi::xml_node& node) {

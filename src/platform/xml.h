@@ -27,6 +27,10 @@ LoadResult loadText(pugi::xml_document& doc, std::string_view text,
 // The node as raw XML text, without line breaks or indentation added.
 std::string outerXml(const pugi::xml_node& node);
 
+// The value of the element's attribute named `name` without regard to
+// case; "" when it has none.
+std::string attributeNoCase(const pugi::xml_node& element, std::string_view name);
+
 // The element name without a namespace prefix.
 std::string_view localName(const pugi::xml_node& node);
 

@@ -1,28 +1,21 @@
 #include "template/cache.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <ctime>
 #include <filesystem>
 #include <pugixml.hpp>
 
 #include "core/agp_vars.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/xml.h"
+#include "template/template_folders.h"
 
 namespace bw {
 namespace {
 
 constexpr std::string_view kCacheFileName = "cache.xml";
-
-// A template name becomes one folder level: no blanks, no separators.
-std::string folderNameOf(std::string_view templateName) {
-  std::string out;
-  for (char c : templateName)
-    if (c != ' ' && c != '/' && c != '\\') out += c;
-  return out;
-}
 
 // The local time as yyyymmddhhnnss.
 std::string timestampNow() {
@@ -84,11 +77,7 @@ std::string attributeText(std::string_view name, std::string_view value) {
 
 AGPCache::AGPCache() {
   AGPVarsData& vars = AGPVars();
-  const std::string documents =
-      vars.DocumentsFolder.empty() ? files::documentsFolder() : vars.DocumentsFolder;
-  const std::string templates =
-      files::joinPath(files::joinPath(documents, ProductKeyWord()), "Templates");
-  const std::string templateFolder = files::joinPath(templates, folderNameOf(vars.TemplateName));
+  const std::string templateFolder = TemplateBaseFolderOf(vars.TemplateName);
   folder_ = files::joinPath(templateFolder, "cache");
   vars.CacheFolder = folder_;
 
@@ -219,10 +208,14 @@ std::string CacheDateText(const Variant& dt) {
   if (dt.isString()) date = parseDate(dt.string());
   if (!date) return dt.toText();
   const DateParts p = splitDate(*date);
-  char text[64];
-  std::snprintf(text, sizeof text, "%04d/%02d/%02d %02d:%02d:%02d", p.year, p.month, p.day, p.hour,
-                p.minute, p.second);
-  return text;
+  std::tm time{};
+  time.tm_year = p.year - 1900;
+  time.tm_mon = p.month - 1;
+  time.tm_mday = p.day;
+  time.tm_hour = p.hour;
+  time.tm_min = p.minute;
+  time.tm_sec = p.second;
+  return clock::sortableDateTime(time);
 }
 
 }  // namespace bw

@@ -291,7 +291,7 @@ std::string ControlFileErrorMessage(std::int16_t extensionLoadError) {
 
 std::string WebPageClassPrefix() {
   const std::string setting =
-      ReadSetting("HKCU", AGPVars().RegGeneral, "WebPageClassNamePrefix").toText();
+      GeneralSetting("WebPageClassNamePrefix").toText();
   return setting.empty() ? DefaultWebPageClassPrefix(BRINDLEWORK_VERSION_MAJOR) : setting;
 }
 

@@ -73,7 +73,7 @@ AGPKeyword& Keywords() {
   if (!slot) {
     auto keywords = make<AGPKeyword>();
     slot = keywords;
-    const std::string file = ReadSetting("HKCU", AGPVars().RegGeneral, "Keyword").toText();
+    const std::string file = GeneralSetting("Keyword").toText();
     if (!file.empty()) keywords->Load(file);
   }
   return static_cast<AGPKeyword&>(*slot);

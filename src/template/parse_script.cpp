@@ -50,7 +50,7 @@ std::string AGP::ParseScript(const std::string& str) {
   }
   const std::string code = compose.functionText("ztExParse", FunctionForm::ParseScript, false);
   const std::int32_t timeout =
-      ReadSetting("HKCU", vars.RegGeneral, "ScriptEngineTimeout").toLong().value_or(0);
+      GeneralSetting("ScriptEngineTimeout").toLong().value_or(0);
   std::string result = host.BuildNewCode("ztExParse", code, 0, timeout);
   if (!vars.ProjErr.empty())
     writeParseError("Parse script run error: " + vars.ProjErr + std::string(text::kCrLf) + code +

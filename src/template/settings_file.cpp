@@ -10,7 +10,7 @@ namespace bw {
 
 bool AGPSettings::LoadSettings() {
   doc_.reset();
-  const std::string path = ReadSetting("HKCU", AGPVars().RegGeneral, "ConfigFile").toText();
+  const std::string path = GeneralSetting("ConfigFile").toText();
   // Most users have no custom setting file; only a named file that fails to
   // load is worth a message.
   if (path.empty()) return false;

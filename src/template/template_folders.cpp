@@ -27,6 +27,17 @@ std::string PackageRootFolder(const std::string& folder) {
   return current;
 }
 
+std::string TemplateBaseFolderOf(std::string_view templateName) {
+  const AGPVarsData& vars = AGPVars();
+  const std::string documents =
+      vars.DocumentsFolder.empty() ? files::documentsFolder() : vars.DocumentsFolder;
+  std::string name;
+  for (char c : templateName)
+    if (c != ' ' && c != '/' && c != '\\') name += c;
+  return files::joinPath(files::joinPath(files::joinPath(documents, ProductKeyWord()), "Templates"),
+                         name);
+}
+
 std::string TemplateFolderOf(const std::string& extName) {
   if (extName.empty()) return AGPVars().TemplateFolder;
   return PackageRootFolder(files::joinPath(AGPVars().ExtensionsFolder, extName));

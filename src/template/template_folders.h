@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace bw {
 
@@ -9,6 +10,11 @@ namespace bw {
 // none, the search goes into its only sub folder, so that a zip that wraps
 // its content in folders still works. "" when there is no such folder.
 std::string PackageRootFolder(const std::string& folder);
+
+// <documents>\<product key>\Templates\<template file name>: the folder of
+// all that belongs to one template file, its name without blanks and
+// slashes.
+std::string TemplateBaseFolderOf(std::string_view templateName);
 
 // The template's folder for an empty name, else that extension's.
 std::string TemplateFolderOf(const std::string& extName);
