@@ -38,13 +38,6 @@ struct GenerateRequest {
   bool save = false;
 };
 
-bool takeFlag(Arguments& args, const std::string& name) {
-  const auto it = std::find(args.begin(), args.end(), name);
-  if (it == args.end()) return false;
-  args.erase(it);
-  return true;
-}
-
 std::set<std::string> idList(const std::string& text) {
   std::set<std::string> ids;
   for (const std::string& id : text::split(text, ","))

@@ -24,7 +24,7 @@ const std::map<std::string, Command>& commands() {
   static const std::map<std::string, Command> table{
       {"settings", {"settings list|get|set ... (settings --help)", bw::cli::settingsCommand}},
       {"parse", {"parse [--project P] (--file F | TEXT)", bw::cli::parseCommand}},
-      {"script", {"script FILE.js [--project P]", bw::cli::scriptCommand}},
+      {"script", {"script FILE.js [--project P [--save]]", bw::cli::scriptCommand}},
       {"info", {"info PROJECT [--fields] [--json]", bw::cli::infoCommand}},
       {"save", {"save PROJECT [-o OUT]", bw::cli::saveCommand}},
       {"new", {"new PROJECT --db-type SQLITE --db FILE [--name NAME] [--template ZIP] [--dest DIR] "

@@ -1,5 +1,6 @@
 #include "cli/project_options.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "core/agp_vars.h"
@@ -17,6 +18,13 @@ std::optional<std::string> takeOption(Arguments& args, const std::string& name) 
     return value;
   }
   return std::nullopt;
+}
+
+bool takeFlag(Arguments& args, const std::string& name) {
+  const auto it = std::find(args.begin(), args.end(), name);
+  if (it == args.end()) return false;
+  args.erase(it);
+  return true;
 }
 
 std::optional<std::string> takeProjectOption(Arguments& args) { return takeOption(args, "--project"); }

@@ -1,12 +1,16 @@
 // brindlework script: runs a JScript automation script against a new
 // project object bound as PROJ, the way a desktop host drives the engine.
+// The project's shared objects are bound under the names that templates
+// know them by (LANGUAGE, MASTERDETAILS, CUSTOMSCRIPTS, MENULIST).
 // WScript.Echo prints a line; WScript.Quit(code) ends the script with that
-// exit code.
+// exit code. With --save the project is saved to its file when the script
+// ran to its end.
 #include <iostream>
 
 #include "cli/commands.h"
 #include "cli/project_options.h"
 #include "core/agp_vars.h"
+#include "persistence/master_details.h"
 #include "platform/files.h"
 #include "template/script_engine.h"
 
@@ -48,18 +52,29 @@ void printError(const std::string& file, const ScriptError& e) {
   if (!e.text.empty()) std::cerr << "  " << e.text << '\n';
 }
 
+int saveProject(AGP& project, const std::string& file) {
+  project.Save(file);
+  if (AGPVars().ProjErr.empty()) return 0;
+  std::cerr << AGPVars().ProjErr << '\n';
+  return 1;
+}
+
 }  // namespace
 
 int scriptCommand(const Arguments& argsIn) {
   Arguments args = argsIn;
   Ref<AGP> project;
+  std::optional<std::string> projectFile;
+  bool save = false;
   try {
-    const auto projectFile = takeProjectOption(args);
+    projectFile = takeProjectOption(args);
+    save = takeFlag(args, "--save");
+    if (save && !projectFile) throw BadUsage{"--save needs --project"};
     if (args.size() != 1) throw BadUsage{"give one script file"};
     project = openProject(projectFile);
   } catch (const BadUsage& e) {
     std::cerr << "brindlework script: " << e.message
-              << "\nusage: brindlework script FILE.js [--project P]\n";
+              << "\nusage: brindlework script FILE.js [--project P [--save]]\n";
     return 2;
   }
   if (!project) return 1;
@@ -76,8 +91,12 @@ int scriptCommand(const Arguments& argsIn) {
     return 1;
   }
   engine->addObject("PROJ", project);
+  engine->addObject("LANGUAGE", project->Language());
+  engine->addObject("MASTERDETAILS", refTo(&MasterDetails()));
+  engine->addObject("CUSTOMSCRIPTS", project->customscripts());
+  engine->addObject("MENULIST", project->MenuList());
   engine->addObject("WScript", host);
-  if (engine->addCode(files::readTextFile(file))) return 0;
+  if (engine->addCode(files::readTextFile(file))) return save ? saveProject(*project, *projectFile) : 0;
   if (engine->error().number == kQuitNumber) return host->exitCode;
   printError(file, engine->error());
   return 1;
