@@ -24,7 +24,7 @@ lookup("OrderDetails", "ProductID", "Products", "ProductID", "ProductName");
 
 var status = field("Orders", "Status");
 status.FldHtmlTag = "RADIO";
-status.FldTagValues = ["new", "paid", "shipped", "cancelled"].map(function (v) {
+status.FldTagValues = ["new", "paid", "shipped", "delivered", "cancelled"].map(function (v) {
   return "\"" + v + "\",\"" + v.charAt(0).toUpperCase() + v.substr(1) + "\"";
 }).join("\r\n");
 
