@@ -346,3 +346,19 @@ function MasterUrlExpr(rel) {
   if (HasPage(rel.master, "list")) return Lit(PageName(rel.master, "list"));
   return SYSTEMFUNCTIONS.Null();
 }
+
+// How a page shows the value of a field of the record `row`: the caption of
+// its option, or the value formatted by its kind.
+function ShowValue(field) {
+  var kind = Lit(ValueKind(field));
+  return HasOptions(field)
+    ? "@Site.Caption(" + OptionsVar(field) + ", " + RowValue(field.FldName) + ", " + kind + ")"
+    : "@Site.Show(" + RowValue(field.FldName) + ", " + kind + ")";
+}
+
+// Markup repeated for each option `opt` of a field's option list.
+function OptionLoop(field, markup) {
+  return IsVb()
+    ? "@For Each opt In " + OptionsVar(field) + "\r\n    @" + markup + "\r\nNext"
+    : "@foreach (var opt in " + OptionsVar(field) + ")\r\n{\r\n" + markup + "\r\n}";
+}
