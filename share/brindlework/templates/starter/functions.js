@@ -356,9 +356,28 @@ function ShowValue(field) {
     : "@Site.Show(" + RowValue(field.FldName) + ", " + kind + ")";
 }
 
+// Markup repeated for each `item` of `collection`, an expression of the
+// site's language.
+function ForEachLoop(item, collection, markup) {
+  return IsVb()
+    ? "@For Each " + item + " In " + collection + "\r\n    @" + markup + "\r\nNext"
+    : "@foreach (var " + item + " in " + collection + ")\r\n{\r\n" + markup + "\r\n}";
+}
+
 // Markup repeated for each option `opt` of a field's option list.
 function OptionLoop(field, markup) {
+  return ForEachLoop("opt", OptionsVar(field), markup);
+}
+
+// The code block that opens a page: its layout and its title.
+function PageStart(titleExpr) {
+  var layout = Lit("~/_layout." + PageExt());
   return IsVb()
-    ? "@For Each opt In " + OptionsVar(field) + "\r\n    @" + markup + "\r\nNext"
-    : "@foreach (var opt in " + OptionsVar(field) + ")\r\n{\r\n" + markup + "\r\n}";
+    ? "@Code\r\n    Layout = " + layout + "\r\n    Page.Title = " + titleExpr + "\r\nEnd Code"
+    : "@{\r\n    Layout = " + layout + ";\r\n    Page.Title = " + titleExpr + ";\r\n}";
+}
+
+// The site's title, from the language file or the project.
+function BodyTitleExpr() {
+  return "Language.ProjectPhrase(\"bodytitle\", " + Lit(PROJ.BodyTitle || PROJ.ProjName) + ")";
 }
