@@ -9,6 +9,12 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   libpugixml-dev libicu-dev libssl-dev duktape-dev
   libsqlite3-dev sqlite3 libzip-dev
+  # Mono's compiler and ASP.NET runtime, for the end-to-end tests that render
+  # the generated Razor pages (tests/e2e/page_host).
+  mono-devel libmono-system-web4.0-cil libmono-system-data4.0-cil
+  libmono-system-web-razor2.0-cil libmono-system-web-webpages2.0-cil
+  libmono-system-web-webpages-razor2.0-cil libmono-system-web-webpages-deployment2.0-cil
+  libmono-sqlite4.0-cil
 )
 
 missing=()

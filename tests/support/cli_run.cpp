@@ -18,12 +18,23 @@ std::string shellQuoted(const std::string& arg) {
 }  // namespace
 
 CliRun RunCli(const std::vector<std::string>& args, const std::string& scratchDir) {
+  std::vector<std::string> command{BRINDLEWORK_CLI};
+  command.insert(command.end(), args.begin(), args.end());
+  return RunProgram(command, scratchDir);
+}
+
+CliRun RunProgram(const std::vector<std::string>& command, const std::string& scratchDir,
+                  const std::vector<std::string>& env) {
   const std::string out = scratchDir + "/cli.out";
   const std::string err = scratchDir + "/cli.err";
-  std::string command = shellQuoted(BRINDLEWORK_CLI);
-  for (const std::string& arg : args) command += " " + shellQuoted(arg);
-  command += " >" + shellQuoted(out) + " 2>" + shellQuoted(err);
-  const int status = std::system(command.c_str());
+  std::string line;
+  for (const std::string& assignment : env) {
+    const size_t equals = assignment.find('=');
+    line += assignment.substr(0, equals) + "=" + shellQuoted(assignment.substr(equals + 1)) + " ";
+  }
+  for (const std::string& arg : command) line += shellQuoted(arg) + " ";
+  line += ">" + shellQuoted(out) + " 2>" + shellQuoted(err);
+  const int status = std::system(line.c_str());
   return CliRun{WIFEXITED(status) ? WEXITSTATUS(status) : -1, files::readFile(out).value_or(""),
                 files::readFile(err).value_or("")};
 }

@@ -1,4 +1,4 @@
-// Runs the built brindlework program, as a user would from a shell.
+// Runs the built brindlework program, or another one, as a user would from a shell.
 #pragma once
 
 #include <string>
@@ -14,5 +14,10 @@ struct CliRun {
 
 // Runs `brindlework <args...>`; its output goes through files in `scratchDir`.
 CliRun RunCli(const std::vector<std::string>& args, const std::string& scratchDir);
+
+// Runs `command` (program and arguments) with the environment's variables
+// plus `env` ("NAME=value" entries); output as for RunCli.
+CliRun RunProgram(const std::vector<std::string>& command, const std::string& scratchDir,
+                  const std::vector<std::string>& env = {});
 
 }  // namespace bw::testing
