@@ -16,6 +16,7 @@
 #include "platform/hash.h"
 #include "platform/text.h"
 #include "platform/xml.h"
+#include "template/code_base.h"
 #include "template/composition.h"
 #include "template/controls.h"
 #include "template/custom_scripts.h"
@@ -212,6 +213,63 @@ void AGP::setProjErr(const std::string& text) { AGPVars().ProjErr = text; }
 std::string AGP::FldSrchOprs(std::int16_t adoType) const { return bw::FldSrchOprs(adoType); }
 
 // ---------------------------------------------------------------------------
+// Custom scripts and the code base
+
+bool AGP::AddCustomScript(const std::string& sScriptType, const std::string& sCodeType,
+                          const std::string& sName, const std::string& sLanguage,
+                          const std::string& sCtrlID, const std::string& sL1Key,
+                          const std::string& sL2Key, const std::string& sCode) {
+  const ScriptPlace place{sScriptType, sCodeType, sName, sLanguage, sCtrlID, sL1Key, sL2Key};
+  AGPCustomScripts& scripts = CustomScripts();
+  if (!scripts.add(place)) return false;
+  scripts.item(place)->setScriptCode(sCode);
+  return true;
+}
+
+// ScriptExist also answers for any script of a kind on a table, which names
+// no script to update; only a script of exactly this place takes the code.
+bool AGP::UpdateCustomScript(const std::string& sScriptType, const std::string& sCodeType,
+                             const std::string& sName, const std::string& sLanguage,
+                             const std::string& sCtrlID, const std::string& sL1Key,
+                             const std::string& sL2Key, const std::string& sCode) {
+  AGPCustomScript* script = CustomScripts().item(
+      ScriptPlace{sScriptType, sCodeType, sName, sLanguage, sCtrlID, sL1Key, sL2Key});
+  if (!script) return false;
+  script->setScriptCode(sCode);
+  return true;
+}
+
+bool AGP::DeleteCustomScript(const std::string& sScriptType, const std::string& sCodeType,
+                             const std::string& sName, const std::string& sLanguage,
+                             const std::string& sCtrlID, const std::string& sL1Key,
+                             const std::string& sL2Key) {
+  return CustomScripts().Delete(sScriptType, sCodeType, sName, sLanguage, sCtrlID, sL1Key, sL2Key);
+}
+
+std::string AGP::LoadCodeBase(const std::string& sScriptType, const std::string& sCodeType,
+                              const std::string& sName, const std::string& sLanguage) {
+  return CodeBase().CodeSource(sScriptType, sCodeType, sName, sLanguage);
+}
+
+bool AGP::CodeBaseExist(const std::string& sScriptType, const std::string& sCodeType,
+                        const std::string& sName, const std::string& sLanguage) {
+  return CodeBase().CodeExist(sScriptType, sCodeType, sName, sLanguage);
+}
+
+// The file is read on every call, so that the host shows the code base as
+// it is now. A file that fails to load keeps the records of the last good
+// one; its reason stays in CodeBase().error(), as ProjErr is for the project.
+std::string AGP::LoadCustomScriptCode(const std::string& sScriptType, const std::string& sCodeType,
+                                      const std::string& sName, const std::string& sLanguage,
+                                      const std::string&, const std::string&, const std::string&) {
+  AGPVars().ProjErr.clear();
+  const std::string file = GeneralSetting("CodeBase").toText();
+  if (!files::fileExists(file)) return {};
+  CodeBase().Load(Variant(file));
+  return TidyOutput("", LoadCodeBase(sScriptType, sCodeType, sName, sLanguage));
+}
+
+// ---------------------------------------------------------------------------
 // Members. The attributes of the project table become properties of their
 // own name and type; the members written out here come first and win.
 
@@ -252,6 +310,12 @@ MemberTable buildMembers() {
       property<&AGP::Extensions>("Extensions"),
       property<&AGP::Language>("Language"),
       property<&AGP::customscripts>("customscripts"),
+      method<&AGP::AddCustomScript>("AddCustomScript"),
+      method<&AGP::UpdateCustomScript>("UpdateCustomScript"),
+      method<&AGP::DeleteCustomScript>("DeleteCustomScript"),
+      method<&AGP::LoadCodeBase>("LoadCodeBase"),
+      method<&AGP::CodeBaseExist>("CodeBaseExist"),
+      method<&AGP::LoadCustomScriptCode>("LoadCustomScriptCode"),
   };
   AddAttributeMembers<AGP>(table, *ProjectLayout(), {"ProjVar", "SyncLog"});
   return table;

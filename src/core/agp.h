@@ -66,6 +66,35 @@ class AGP : public Dispatch {
   const std::string& CodeBaseFile() const { return codeBaseFile_; }
   const std::string& KeywordFile() const { return keywordFile_; }
 
+  // Custom scripts, for hosts. A script's place is named by the seven values
+  // of AGPCustomScripts (template/custom_scripts.h); its code is not part of
+  // the place, so an update leaves the script where it is.
+  bool AddCustomScript(const std::string& sScriptType, const std::string& sCodeType,
+                       const std::string& sName, const std::string& sLanguage,
+                       const std::string& sCtrlID, const std::string& sL1Key,
+                       const std::string& sL2Key, const std::string& sCode);
+  // False when no script has exactly this place.
+  bool UpdateCustomScript(const std::string& sScriptType, const std::string& sCodeType,
+                          const std::string& sName, const std::string& sLanguage,
+                          const std::string& sCtrlID, const std::string& sL1Key,
+                          const std::string& sL2Key, const std::string& sCode);
+  bool DeleteCustomScript(const std::string& sScriptType, const std::string& sCodeType,
+                          const std::string& sName, const std::string& sLanguage,
+                          const std::string& sCtrlID, const std::string& sL1Key,
+                          const std::string& sL2Key);
+  // Lookups in the code base as it was last loaded.
+  std::string LoadCodeBase(const std::string& sScriptType, const std::string& sCodeType,
+                           const std::string& sName, const std::string& sLanguage);
+  bool CodeBaseExist(const std::string& sScriptType, const std::string& sCodeType,
+                     const std::string& sName, const std::string& sLanguage);
+  // The default text of a place: the code base file of the CodeBase setting
+  // is loaded again and its text for the first four values tidied; "" when
+  // the setting names no file. The last three values select nothing.
+  std::string LoadCustomScriptCode(const std::string& sScriptType, const std::string& sCodeType,
+                                   const std::string& sName, const std::string& sLanguage,
+                                   const std::string& sCtrlID, const std::string& sL1Key,
+                                   const std::string& sL2Key);
+
   // Settings store read for hosts: `sClass` "hklm" in any case is the
   // machine hive, anything else the user hive.
   Variant ReadRegValue(const Variant& sClass, const Variant& sSection, const Variant& sKey);

@@ -484,7 +484,7 @@ void ProjectReader::loadMasterDetail(const pugi::xml_node& element) {
 }
 
 void ProjectReader::loadCustomScript(const pugi::xml_node& element) {
-  CustomScript script{
+  ScriptPlace place{
       .ScriptType = xml::attributeNoCase(element, "ScriptType"),
       .ScriptCodeType = xml::attributeNoCase(element, "ScriptCodeType"),
       .ScriptName = xml::attributeNoCase(element, "ScriptName"),
@@ -492,18 +492,21 @@ void ProjectReader::loadCustomScript(const pugi::xml_node& element) {
       .ScriptCtrlID = xml::attributeNoCase(element, "ScriptCtrlID"),
       .ScriptL1Key = xml::attributeNoCase(element, "ScriptL1Key"),
       .ScriptL2Key = xml::attributeNoCase(element, "ScriptL2Key"),
-      .ScriptCode = element.first_child().value(),
   };
-  if (script.ScriptLanguage.empty()) {
-    // Written before scripts had a language: the code is of the old kind.
-    script.ScriptLanguage =
-        script.ScriptType == "Server" ? project_.ProgramLanguage() : std::string("JavaScript");
-    const std::string source = CodeBase().CodeSource(script.ScriptType, script.ScriptCodeType,
-                                                     script.ScriptName, script.ScriptLanguage);
-    script.ScriptCode = WrapLegacyScriptCode(script.ScriptName, source, script.ScriptCode,
-                                             script.ScriptLanguage);
+  // Written before scripts had a language: the code is of the old kind.
+  const bool legacy = place.ScriptLanguage.empty();
+  if (legacy)
+    place.ScriptLanguage =
+        place.ScriptType == "Server" ? project_.ProgramLanguage() : std::string("JavaScript");
+  AGPCustomScripts& scripts = CustomScripts();
+  if (!scripts.add(place)) return;
+  std::string code = element.first_child().value();
+  if (legacy) {
+    const std::string source = CodeBase().CodeSource(place.ScriptType, place.ScriptCodeType,
+                                                     place.ScriptName, place.ScriptLanguage);
+    code = WrapLegacyScriptCode(place.ScriptName, source, code, place.ScriptLanguage);
   }
-  CustomScripts().append(std::move(script));
+  if (AGPCustomScript* script = scripts.item(place)) script->setScriptCode(code);
 }
 
 void ProjectReader::loadPhrase(const std::string& kind, const pugi::xml_node& element) {

@@ -175,21 +175,14 @@ void ProjectWriter::writeMasterDetails() {
 }
 
 void ProjectWriter::writeCustomScripts() {
-  const std::vector<CustomScript>& scripts = CustomScripts().scripts();
+  const std::vector<AGPCustomScript*> scripts = CustomScripts().bySequence();
   if (scripts.empty()) return;
   newline();
-  for (const CustomScript& script : scripts) {
+  for (AGPCustomScript* script : scripts) {
     out_.open("CustomScript");
-    for (const auto& [name, value] : Attributes{{"ScriptType", script.ScriptType},
-                                                {"ScriptCodeType", script.ScriptCodeType},
-                                                {"ScriptName", script.ScriptName},
-                                                {"ScriptLanguage", script.ScriptLanguage},
-                                                {"ScriptCtrlID", script.ScriptCtrlID},
-                                                {"ScriptL1Key", script.ScriptL1Key},
-                                                {"ScriptL2Key", script.ScriptL2Key}})
-      out_.attribute(name, value);
+    WriteBagAttributes(*script->Properties(), out_);
     newline();
-    out_.cdata(script.ScriptCode);
+    out_.cdata(script->ScriptCode());
     newline();
     out_.close();
     newline();

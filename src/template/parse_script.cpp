@@ -3,6 +3,7 @@
 #include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/registry.h"
+#include "persistence/master_details.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "template/composition.h"
@@ -31,7 +32,9 @@ std::string AGP::ParseScript(const std::string& str) {
   if (ownsHost) {
     auto host = make<AGScript>();
     vars.ParseScriptHost = host;
-    host->Initialize(refTo(this), {}, {}, {}, {}, {}, attr("ProgramLanguage"), {}, {});
+    // Bound as for a generation run, so that a template behaves the same here.
+    host->Initialize(refTo(this), DB(), ControlList(), Language(), refTo(&MasterDetails()),
+                     customscripts(), attr("ProgramLanguage"), Extensions(), MenuList());
     if (!host->IsInitialized()) {
       writeParseError("Script object not initialised" + std::string(text::kCrLf) + str);
       vars.ParseScriptHost = {};

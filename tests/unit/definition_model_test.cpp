@@ -287,7 +287,7 @@ TEST_F(DefinitionModelTest, ATableRenameIsCarriedIntoEveryStore) {
   Language().SetFieldPhrase("en", "Orders", "Id", "FldCaption", "Id");
   Ref<AGPMenu> menu = menuItem(1, "Orders");
   Ref<AGPMenu> imported = menuItem(2, "Orders", "{report}");
-  CustomScripts().append({"template", "Table", "Place", "C#", "", "Orders", "", "code"});
+  ASSERT_TRUE(CustomScripts().Add("template", "Table", "Place", "C#", "", "Orders", ""));
   Extensions().append({"Ext", {{"Orders", {"Id"}}}});
 
   EXPECT_TRUE(tables->Change("Orders", "Sales"));
@@ -295,7 +295,7 @@ TEST_F(DefinitionModelTest, ATableRenameIsCarriedIntoEveryStore) {
   EXPECT_EQ(Language().GetFieldPhrase("en", "Sales", "Id", "FldCaption"), "Id");
   EXPECT_EQ(menu->MenuUrl, "Sales");
   EXPECT_EQ(imported->MenuUrl, "Orders");
-  EXPECT_EQ(CustomScripts().scripts()[0].ScriptL1Key, "Sales");
+  EXPECT_EQ(CustomScripts().items()[0]->attrText("ScriptL1Key"), "Sales");
   EXPECT_EQ(Extensions().extensions()[0].tables[0].TblName, "Sales");
 }
 
@@ -308,9 +308,11 @@ TEST_F(DefinitionModelTest, ATableDeleteTakesItsEntriesFromEveryStore) {
   menuItem(1, "Orders", "{report}");  // the first item of any source goes
   Ref<AGPMenu> second = menuItem(2, "Orders");
   menuItem(3, "child")->MenuParentId = 1;
-  CustomScripts().append({"template", "TABLE", "Place", "C#", "", "Orders", "", ""});
-  CustomScripts().append({"template", "Field", "Place", "C#", "", "Orders", "Id", ""});
-  CustomScripts().append({"template", "Table", "Place", "C#", "", "orders", "", ""});
+  AGPCustomScripts& scripts = CustomScripts();
+  ASSERT_TRUE(scripts.Add("template", "TABLE", "Place", "C#", "", "Orders", ""));
+  ASSERT_TRUE(scripts.Add("template", "Field", "Place", "C#", "", "Orders", "Id"));
+  ASSERT_TRUE(scripts.Add("template", "Table", "Other", "C#", "", "orders", ""));
+  ASSERT_TRUE(scripts.Add("template", "Table", "Place", "C#", "list", "Orders", ""));
   Extensions().append({"Ext", {{"orders", {"Id"}}, {"Items", {}}}});
   AGPVars().Dirty = false;
 
@@ -320,8 +322,10 @@ TEST_F(DefinitionModelTest, ATableDeleteTakesItsEntriesFromEveryStore) {
   ASSERT_EQ(Menus().Count(), 2);
   EXPECT_EQ(Menus().Item(1), second);
   EXPECT_EQ(Menus().Item(2)->MenuParentId, -1);
-  ASSERT_EQ(CustomScripts().Count(), 2) << "table scripts of this exact name only";
-  EXPECT_EQ(CustomScripts().scripts()[0].ScriptCodeType, "Field");
+  ASSERT_EQ(scripts.Count(), 2) << "table scripts of this exact name only";
+  EXPECT_EQ(scripts.items()[0]->attrText("ScriptCodeType"), "Field");
+  EXPECT_EQ(scripts.items()[1]->attrText("ScriptL1Key"), "orders");
+  EXPECT_EQ(scripts.Seq(2)->attrText("ScriptL1Key"), "orders") << "numbered without gaps";
   EXPECT_TRUE(AGPVars().Dirty);
   ASSERT_EQ(Extensions().extensions()[0].tables.size(), 1u);
   EXPECT_EQ(Extensions().extensions()[0].tables[0].TblName, "Items");

@@ -12,6 +12,7 @@
 #include "language/phrase_store.h"
 #include "persistence/master_details.h"
 #include "persistence/menus.h"
+#include "persistence/project_load.h"
 #include "platform/files.h"
 #include "support/engine_test.h"
 #include "template/custom_scripts.h"
@@ -140,6 +141,48 @@ TEST_F(ProjectFileTest, ReadingRepairsOldValues) {
   EXPECT_EQ(fields.field("b")->attrText("FldViewTemplate"),
             "{\"id\":\"Barcode\",\"name\":\"Barcode Library\",\"encode\":\"QRCODE\",\"encode_field\":null}");
   EXPECT_EQ(AGPVars().QuoteStart, "[");
+}
+
+TEST_F(ProjectFileTest, CustomScriptElementsLoadThroughAddAndSkipWhatItRefuses) {
+  const auto element = [](const std::string& attributes, const std::string& code,
+                          const std::string& name = "CustomScript") {
+    return "<" + name + " " + attributes + ">\r\n<![CDATA[" + code + "]]>\r\n</" + name + ">\r\n";
+  };
+  const std::string place =
+      "ScriptCodeType=\"Table\" ScriptName=\"list_page_load\" ScriptLanguage=\"C#\" "
+      "ScriptCtrlID=\"list\" ScriptL2Key=\"\" ";
+  const std::string path = writeTempFile(
+      "scripts.agx",
+      projectXml(
+          "Version=\"12.0\"",
+          kDatabase +
+              element("ScriptType=\"template\" " + place + "ScriptL1Key=\"orders\"", "first") +
+              element("ScriptType=\"TEMPLATE\" " + place + "ScriptL1Key=\"orders\"", "second") +
+              element("ScriptType=\"template\" " + place + "ScriptL1Key=\"ORDERS\"", "other case") +
+              element("ScriptType=\"template\" ScriptCodeType=\"Table\" ScriptLanguage=\"C#\"",
+                      "no name") +
+              element("ScriptType=\"template\" " + place + "ScriptL1Key=\"lines\"", "x",
+                      "customscript") +
+              element("ScriptType=\"Server\" ScriptCodeType=\"Table\" ScriptName=\"Row_Rendering\" "
+                      "ScriptL1Key=\"orders\"",
+                      "a = 1;") +
+              element("ScriptType=\"Client\" ScriptCodeType=\"Table\" ScriptName=\"Startup\" "
+                      "ScriptL1Key=\"orders\"",
+                      "b = 2;")));
+  load(path);
+  ASSERT_EQ(AGPVars().ProjErr, "");
+  AGPCustomScripts& scripts = CustomScripts();
+  ASSERT_EQ(scripts.Count(), 3) << "a place met again, a taken key, no name, a lower-case element";
+  EXPECT_EQ(scripts.Seq(1)->ScriptCode(), "second") << "the later element's code wins";
+  EXPECT_EQ(scripts.Seq(1)->attrText("ScriptType"), "template");
+
+  // Files before scripts had a language: server code is in the project's
+  // language, the rest in JavaScript, and the old code is wrapped.
+  Ref<AGPCustomScript> server = scripts.Seq(2);
+  EXPECT_EQ(server->attrText("ScriptLanguage"), "C#");
+  EXPECT_EQ(server->ScriptCode(), WrapLegacyScriptCode("Row_Rendering", "", "a = 1;", "C#"));
+  EXPECT_EQ(scripts.Seq(3)->attrText("ScriptLanguage"), "JavaScript");
+  EXPECT_FALSE(AGPVars().Dirty) << "reading a file is no change";
 }
 
 TEST_F(ProjectFileTest, BrokenInputsGiveTheirMessagesAndChangeNothing) {
