@@ -293,6 +293,40 @@ TEST_F(ScriptHostTest, InitializeStartsFromEmptyEngines) {
   EXPECT_EQ(AGPVars().ProjErr, "");
 }
 
+TEST_F(ScriptHostTest, TheUserCodeOfTheSettingsComesLastAndMayReplaceSystemFunctions) {
+  writeTempFile("share/syscode/C#.js",
+                "function greet() { return 'system'; }\r\nfunction sys() { return greet(); }\r\n");
+  ::setenv("BRINDLEWORK_SHARE", tempPath("share").c_str(), 1);
+  setGeneral("UserCode",
+             Variant(writeTempFile("user.js", "function greet() { return 'user'; }\r\n")));
+  AGScript script;
+  script.Initialize(project, nullptr, nullptr, nullptr, nullptr, nullptr, "C#", nullptr, nullptr);
+  ASSERT_EQ(takeError(), "");
+  EXPECT_EQ(script.RunModule("sys").toText(), "user");
+}
+
+TEST_F(ScriptHostTest, AFaultInUserCodeIsReportedWithItsFile) {
+  writeTempFile("scripts/user.js", "function ok() {}\r\nvar = 1;\r\n");
+  setGeneral("UserCode", Variant(tempPath("scripts") + "\\user.js"));
+  AGScript script;
+  script.Initialize(project, nullptr, nullptr, nullptr, nullptr, nullptr, "C#", nullptr, nullptr);
+  EXPECT_EQ(takeError(),
+            "Brindlework (user.js): JScript compilation error (3EA), line 2, column 5\r\n"
+            "Description: invalid variable declaration\r\n"
+            "Text: var = 1;");
+}
+
+TEST_F(ScriptHostTest, AMissingUserCodeFileIsAMessageAndNoError) {
+  const std::string missing = tempPath("missing.js");
+  setGeneral("UserCode", Variant(missing));
+  AGScript script;
+  script.Initialize(project, nullptr, nullptr, nullptr, nullptr, nullptr, "C#", nullptr, nullptr);
+  EXPECT_EQ(takeError(), "");
+  ASSERT_EQ(messages().size(), 1u);
+  EXPECT_EQ(messages()[0].text,
+            "Brindlework: Script file " + missing + " not found! Content not loaded!");
+}
+
 // --- Validate -----------------------------------------------------------------------
 
 TEST_F(ScriptHostTest, ValidateWithoutModulesPasses) {
