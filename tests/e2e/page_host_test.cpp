@@ -13,6 +13,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -80,6 +81,9 @@ TEST_F(PageHostTest, PagesShowTheRowsOfTheSiteDatabaseInTheirLayout) {
     EXPECT_TRUE(page.ok && page.status == 200) << ::testing::PrintToString(page);
   }
   ASSERT_EQ(run.pages.size(), 3u) << run.out;
+  // Standard output is the report alone; what a page prints goes to stderr.
+  EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 3) << run.out;
+  EXPECT_THAT(run.err, HasSubstr("viewing order 3\n"));
 
   const std::string first = html("orders_list.cshtml");
   EXPECT_THAT(first, HasSubstr("<title>Orders - Sample shop</title>"));

@@ -33,12 +33,6 @@ namespace Brindlework.PageHost
 
         public static int Main(string[] args)
         {
-            // The runtime caches the configuration of each path it has seen in a
-            // cache of 100 entries and warns on stderr when it evicts; a site of a
-            // hundred pages with query strings passes that. Read at start-up, so
-            // set before the application domain is made.
-            if (Environment.GetEnvironmentVariable("MONO_ASPNET_WEBCONFIG_CACHESIZE") == null)
-                Environment.SetEnvironmentVariable("MONO_ASPNET_WEBCONFIG_CACHESIZE", "10000");
             try {
                 if (args.Length >= 3 && args[0] == "render")
                     return Render(SiteRoot(args[1]), args[2], ParsePages(args.Skip(3).ToArray()));

@@ -168,6 +168,10 @@ namespace Brindlework.PageHost
     {
         public static readonly TimeSpan RequestLimit = TimeSpan.FromMinutes(5);
 
+        // Standard output carries the host's report. What the runtime or a page
+        // prints in this domain (notices, debug messages) goes to standard error.
+        public PageRuntime() { Console.SetOut(Console.Error); }
+
         // The host keeps this object for its whole run (serve mode may idle for
         // hours); the default lease would disconnect it after five minutes.
         public override object InitializeLifetimeService() { return null; }
