@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "core/agp_vars.h"
+#include "language/phrase_store.h"
+#include "platform/text.h"
 
 namespace bw {
 
@@ -22,8 +24,31 @@ const MemberTable& AGPMenu::members() const {
       field<&M::MenuLevel>("MenuLevel"),
       field<&M::MenuShow>("MenuShow"),
       field<&M::MenuDisplayOrder>("MenuDisplayOrder"),
+      method<&M::MenuAttExist>("MenuAttExist"),
+      method<&M::MenuAtt>("MenuAtt"),
   };
   return table;
+}
+
+namespace {
+
+// The fields that MenuAtt reads; members() also holds MenuAtt itself.
+constexpr std::string_view kMenuFields[] = {
+    "MenuId",     "MenuText",      "MenuParentId",    "MenuGroup", "MenuSource",
+    "MenuExtUrl", "MenuAnonymous", "MenuSecurity",    "MenuUrl",   "MenuCustomUrl",
+    "MenuLevel",  "MenuShow",      "MenuDisplayOrder"};
+
+}  // namespace
+
+bool AGPMenu::MenuAttExist(const std::string& name) const {
+  return std::ranges::any_of(kMenuFields,
+                             [&](std::string_view field) { return text::iequals(field, name); });
+}
+
+// Read through the member table, whose thunks already turn each field into
+// its Variant; a Variant's text is the decimal number or True/False.
+std::string AGPMenu::MenuAtt(const std::string& name) {
+  return MenuAttExist(name) ? get(name).toText() : std::string();
 }
 
 Ref<AGPMenu> AGPMenus::Item(std::int32_t position) const {
@@ -51,6 +76,7 @@ bool AGPMenus::DeleteMenu(std::int32_t id) {
   auto it = std::find_if(items_.begin(), items_.end(),
                          [id](const Ref<AGPMenu>& item) { return item->MenuId == id; });
   if (it == items_.end()) return false;
+  Language().DeleteMenuPhrase(std::to_string(id));
   items_.erase(it);
   for (const Ref<AGPMenu>& item : items_)
     if (item->MenuParentId == id) item->MenuParentId = -1;

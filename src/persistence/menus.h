@@ -29,6 +29,12 @@ class AGPMenu : public Dispatch {
   bool MenuShow = false;
   std::int32_t MenuDisplayOrder = 0;
 
+  // The thirteen fields above by name, without regard to case, for
+  // templates and the language files: MenuAtt gives numbers in decimal,
+  // Booleans as True and False, and "" for any other name.
+  bool MenuAttExist(const std::string& name) const;
+  std::string MenuAtt(const std::string& name);
+
   // True for the item of table `name` from `source` ("" for this project).
   bool isTableItem(const std::string& source, const std::string& name) const {
     return !MenuCustomUrl && MenuSource == source && MenuUrl == name;
@@ -46,8 +52,8 @@ class AGPMenus : public Dispatch {
   bool MenuHasID(std::int32_t id) const;
   bool MenuHasTable(const std::string& source, const std::string& name) const;
   Ref<AGPMenu> GetItemByTableName(const std::string& source, const std::string& name) const;
-  // Removes the item with `id`; its children become top-level items. An
-  // unknown id changes nothing.
+  // Removes the item with `id` and its phrases; its children become
+  // top-level items. An unknown id changes nothing.
   bool DeleteMenu(std::int32_t id);
 
   // Appends an item as it stands; the loader and the table list use this.

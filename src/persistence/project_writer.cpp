@@ -218,12 +218,12 @@ void ProjectWriter::writePhrases() {
     element(name, attributes);
     newline();
   };
-  for (const ProjectPhrase& p : language.projectPhrases())
+  for (const AGProjectPhrase& p : language.projectPhrases())
     if (!p.Phrase.empty())
       write("ProjectPhrase", {{"LanguageId", p.LanguageId},
                               {"ProjectAttribute", p.ProjectAttribute},
                               {"Phrase", p.Phrase}});
-  for (const MenuPhrase& p : language.menuPhrases()) {
+  for (const AGMenuPhrase& p : language.menuPhrases()) {
     const auto id = Variant(p.MenuId).toLong();
     if (p.Phrase.empty() || !parseNumber(p.MenuId) || !id || !Menus().MenuHasID(*id)) continue;
     write("MenuPhrase", {{"LanguageId", p.LanguageId},
@@ -234,13 +234,13 @@ void ProjectWriter::writePhrases() {
   Ref<AGPDatabase> db = project_.DB();
   if (!db) return;
   AGPTables& tables = *db->Tables();
-  for (const TablePhrase& p : language.tablePhrases())
+  for (const AGTablePhrase& p : language.tablePhrases())
     if (!p.Phrase.empty() && tables.table(p.TableName))
       write("TablePhrase", {{"LanguageId", p.LanguageId},
                             {"TableName", p.TableName},
                             {"TableAttribute", p.TableAttribute},
                             {"Phrase", p.Phrase}});
-  for (const FieldPhrase& p : language.fieldPhrases()) {
+  for (const AGFieldPhrase& p : language.fieldPhrases()) {
     AGPTable* table = tables.table(p.TableName);
     if (p.Phrase.empty() || !table || !table->Fields()->field(p.FieldName)) continue;
     write("FieldPhrase", {{"LanguageId", p.LanguageId},
