@@ -21,6 +21,8 @@ lookup("Products", "SupplierID", "Suppliers", "SupplierID", "CompanyName");
 lookup("Orders", "CustomerID", "Customers", "CustomerID", "LastName");
 lookup("Orders", "ShipperID", "Shippers", "ShipperID", "CompanyName");
 lookup("OrderDetails", "ProductID", "Products", "ProductID", "ProductName");
+// A lookup that shows the key itself.
+lookup("Inventory", "StoreID", "Stores", "StoreID", "");
 
 var status = field("Orders", "Status");
 status.FldHtmlTag = "RADIO";
