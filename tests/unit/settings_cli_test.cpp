@@ -23,6 +23,11 @@ class SettingsCliTest : public EngineTest {
     EngineTest::SetUp();
     ::setenv("BRINDLEWORK_MACHINE_HIVE", tempPath("machine.reg").c_str(), 1);
   }
+  // The machine hive of one test must not become the next test's.
+  void TearDown() override {
+    ::unsetenv("BRINDLEWORK_MACHINE_HIVE");
+    EngineTest::TearDown();
+  }
 
   CliRun run(std::vector<std::string> args) {
     args.insert(args.begin(), "settings");
