@@ -111,8 +111,10 @@ void printChoices(AGP& project, std::int16_t existing) {
                 << (exists ? "  (exists)" : "") << "\n";
     });
   });
-  std::cout << (existing > 0 ? "Some targets exist already; they are overwritten where the template allows.\n"
-                             : "No target exists yet.\n");
+  std::cout
+      << (existing > 0
+              ? "Some targets exist already; they are overwritten where the template allows.\n"
+              : "No target exists yet.\n");
 }
 
 std::size_t countFiles(const std::string& folder) {
@@ -124,47 +126,44 @@ std::size_t countFiles(const std::string& folder) {
   return count;
 }
 
-int fail(const std::string& text) {
-  std::cerr << text << '\n';
-  return 1;
-}
-
 }  // namespace
 
 int generateCommand(const Arguments& args) {
-  GenerateRequest request;
-  try {
-    request = parseRequest(args);
-  } catch (const BadUsage& e) {
-    std::cerr << "brindlework generate: " << e.message << '\n' << kUsage;
-    return 2;
-  }
+  const std::optional<GenerateRequest> parsed =
+      parseRequestOrExplain("generate", kUsage, parseRequest, args);
+  if (!parsed) return 2;
+  const GenerateRequest& request = *parsed;
   TheCliHost()->answerYes = request.answerYes;
   TheCliHost()->templateChoice = request.templateChoice;
   Ref<AGP> project = openProject(request.projectFile);
   if (!project) return 1;
-  if (!project->DB()) return fail("brindlework generate: the project has no database");
-  if (request.destination) project->setDestination(std::filesystem::absolute(*request.destination).string());
-  if (request.templateFile) project->setAttr("Template", Variant(std::filesystem::absolute(*request.templateFile).string()));
+  if (!project->DB()) {
+    std::cerr << "brindlework generate: the project has no database\n";
+    return 1;
+  }
+  if (request.destination)
+    project->setDestination(std::filesystem::absolute(*request.destination).string());
+  if (request.templateFile)
+    project->setAttr("Template",
+                     Variant(std::filesystem::absolute(*request.templateFile).string()));
 
   const std::int16_t existing = project->GenCheck();
-  AGPVarsData& vars = AGPVars();
-  if (!vars.ProjErr.empty()) return fail(vars.ProjErr);
+  if (printProjErr()) return 1;
   if (request.checkOnly) {
     printChoices(*project, existing);
     return 0;
   }
   applyChoices(*project, request);
   project->GenScript();
-  if (!vars.ProjErr.empty()) return fail(vars.ProjErr);
-  const auto& stats = vars.GenerationStats;
+  if (printProjErr()) return 1;
+  const auto& stats = AGPVars().GenerationStats;
   const std::string destination = project->attrText("Destination");
   std::cout << "Generated " << stats.pages << " pages (" << stats.composed
             << " controls composed) into " << destination << "; the site has "
             << countFiles(destination) << " files.\n";
   if (request.save) {
     project->Save(request.projectFile);
-    if (!vars.ProjErr.empty()) return fail(vars.ProjErr);
+    if (printProjErr()) return 1;
   }
   return 0;
 }

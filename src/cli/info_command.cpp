@@ -34,7 +34,7 @@ struct TableInfo {
   std::string type;
   std::vector<std::string> key;  // primary key field names, sorted
   std::int32_t fieldCount = 0;
-  std::string error;  // why the table could not be read, if it could not
+  std::string error;              // why the table could not be read, if it could not
   std::vector<FieldInfo> fields;  // only when asked for
 };
 
@@ -157,7 +157,8 @@ void printText(std::ostream& out, const ProjectInfo& info, bool withFields) {
   out << "Database: " << info.dbName << " (" << info.dbType << "), " << info.tables.size()
       << (info.tables.size() == 1 ? " table" : " tables") << '\n';
   if (withFields)
-    out << "Flags:    K primary key, A auto-increment, U unique, R required, G generated; then the HTML tag\n";
+    out << "Flags:    K primary key, A auto-increment, U unique, R required, G generated; then the "
+           "HTML tag\n";
   for (const TableInfo& t : info.tables) {
     out << '\n'
         << t.name << " (" << t.type
@@ -217,13 +218,10 @@ void printJson(std::ostream& out, const ProjectInfo& info, bool withFields) {
 }  // namespace
 
 int infoCommand(const Arguments& args) {
-  InfoRequest request;
-  try {
-    request = parseRequest(args);
-  } catch (const BadUsage& e) {
-    std::cerr << "brindlework info: " << e.message << '\n' << kUsage;
-    return 2;
-  }
+  const std::optional<InfoRequest> parsed =
+      parseRequestOrExplain("info", kUsage, parseRequest, args);
+  if (!parsed) return 2;
+  const InfoRequest& request = *parsed;
   Ref<AGP> project = openProject(request.projectFile);
   if (!project) return 1;
   const ProjectInfo info = readProject(*project, request.fields);

@@ -48,7 +48,8 @@ NewRequest parseRequest(const Arguments& argsIn) {
     if (text::startsWith(arg, "-")) throw BadUsage{"unknown option '" + arg + "'"};
   if (args.size() != 1) throw BadUsage{"give one project file"};
   request.projectFile = args[0];
-  if (request.name.empty()) request.name = std::filesystem::path(request.projectFile).stem().string();
+  if (request.name.empty())
+    request.name = std::filesystem::path(request.projectFile).stem().string();
   return request;
 }
 
@@ -57,7 +58,8 @@ NewRequest parseRequest(const Arguments& argsIn) {
 void reportUnreadTables(AGPDatabase& db) {
   for (DefinitionObject* table : db.Tables()->bySequence()) {
     const std::string error = table->attrText("TblError");
-    if (!error.empty()) std::cerr << "warning: " << table->attrText("TblName") << ": " << error << '\n';
+    if (!error.empty())
+      std::cerr << "warning: " << table->attrText("TblName") << ": " << error << '\n';
   }
 }
 
@@ -73,43 +75,36 @@ int createProject(const NewRequest& request) {
   AGPVars().ProjErr.clear();
   project->AddProj(request.name);
   if (request.language) project->setProgramLanguage(*request.language);
-  if (request.templateFile) project->setAttr("Template", Variant(std::filesystem::absolute(*request.templateFile).string()));
+  if (request.templateFile)
+    project->setAttr("Template",
+                     Variant(std::filesystem::absolute(*request.templateFile).string()));
   if (request.destination) project->setDestination(*request.destination);
   const std::string dbPath = std::filesystem::absolute(request.dbFile).string();
-  project->LoadDB(Variant(std::filesystem::path(request.dbFile).stem().string()), Variant(request.dbType),
-                  Variant(""), Variant(""), Variant(false), Variant(""), Variant(""),
-                  Variant("Data Source=" + dbPath + ";"), Variant(""));
-  if (!AGPVars().ProjErr.empty()) {
-    std::cerr << AGPVars().ProjErr << '\n';
-    return 1;
-  }
+  project->LoadDB(Variant(std::filesystem::path(request.dbFile).stem().string()),
+                  Variant(request.dbType), Variant(""), Variant(""), Variant(false), Variant(""),
+                  Variant(""), Variant("Data Source=" + dbPath + ";"), Variant(""));
+  if (printProjErr()) return 1;
   Ref<AGPDatabase> db = project->DB();
   // A SQLite database is a file: generation copies it into the site from
   // its physical path.
   db->setAttr("DBPhyPath", Variant(dbPath));
   reportUnreadTables(*db);
   project->Save(request.projectFile);
-  if (!AGPVars().ProjErr.empty()) {
-    std::cerr << AGPVars().ProjErr << '\n';
-    return 1;
-  }
-  std::cout << "Created " << request.projectFile << ": " << db->Tables()->Count() << " tables and views, "
-            << fieldCount(*db) << " fields\n";
+  if (printProjErr()) return 1;
+  std::cout << "Created " << request.projectFile << ": " << db->Tables()->Count()
+            << " tables and views, " << fieldCount(*db) << " fields\n";
   return 0;
 }
 
 }  // namespace
 
 int newCommand(const Arguments& args) {
-  NewRequest request;
-  try {
-    request = parseRequest(args);
-  } catch (const BadUsage& e) {
-    std::cerr << "brindlework new: " << e.message << '\n' << kUsage;
-    return 2;
-  }
+  const std::optional<NewRequest> parsed = parseRequestOrExplain("new", kUsage, parseRequest, args);
+  if (!parsed) return 2;
+  const NewRequest& request = *parsed;
   if (std::filesystem::exists(request.projectFile)) {
-    std::cerr << "brindlework new: " << request.projectFile << " already exists; choose another file\n";
+    std::cerr << "brindlework new: " << request.projectFile
+              << " already exists; choose another file\n";
     return 1;
   }
   return createProject(request);

@@ -37,10 +37,7 @@ int parseCommand(const Arguments& argsIn) {
 
   AGPVars().ProjErr.clear();
   const std::string output = project->ParseScript(source);
-  if (!AGPVars().ProjErr.empty()) {
-    std::cerr << AGPVars().ProjErr << '\n';
-    return 1;
-  }
+  if (printProjErr()) return 1;
   std::cout << output;
   if (!output.empty() && output.back() != '\n') std::cout << '\n';
   return 0;

@@ -27,7 +27,16 @@ bool takeFlag(Arguments& args, const std::string& name) {
   return true;
 }
 
-std::optional<std::string> takeProjectOption(Arguments& args) { return takeOption(args, "--project"); }
+bool printProjErr() {
+  const std::string& error = AGPVars().ProjErr;
+  if (error.empty()) return false;
+  std::cerr << error << '\n';
+  return true;
+}
+
+std::optional<std::string> takeProjectOption(Arguments& args) {
+  return takeOption(args, "--project");
+}
 
 Ref<AGP> openProject(const std::optional<std::string>& projectFile) {
   auto project = make<AGP>();

@@ -34,22 +34,15 @@ SaveRequest parseRequest(const Arguments& argsIn) {
 }  // namespace
 
 int saveCommand(const Arguments& args) {
-  SaveRequest request;
-  try {
-    request = parseRequest(args);
-  } catch (const BadUsage& e) {
-    std::cerr << "brindlework save: " << e.message << '\n' << kUsage;
-    return 2;
-  }
+  const std::optional<SaveRequest> parsed =
+      parseRequestOrExplain("save", kUsage, parseRequest, args);
+  if (!parsed) return 2;
+  const SaveRequest& request = *parsed;
   Ref<AGP> project = openProject(request.projectFile);
   if (!project) return 1;
   AGPVars().ProjErr.clear();
   project->Save(request.outputFile);
-  if (!AGPVars().ProjErr.empty()) {
-    std::cerr << AGPVars().ProjErr << '\n';
-    return 1;
-  }
-  return 0;
+  return printProjErr() ? 1 : 0;
 }
 
 }  // namespace bw::cli

@@ -54,9 +54,7 @@ void printError(const std::string& file, const ScriptError& e) {
 
 int saveProject(AGP& project, const std::string& file) {
   project.Save(file);
-  if (AGPVars().ProjErr.empty()) return 0;
-  std::cerr << AGPVars().ProjErr << '\n';
-  return 1;
+  return printProjErr() ? 1 : 0;
 }
 
 }  // namespace
@@ -96,7 +94,8 @@ int scriptCommand(const Arguments& argsIn) {
   engine->addObject("CUSTOMSCRIPTS", project->customscripts());
   engine->addObject("MENULIST", project->MenuList());
   engine->addObject("WScript", host);
-  if (engine->addCode(files::readTextFile(file))) return save ? saveProject(*project, *projectFile) : 0;
+  if (engine->addCode(files::readTextFile(file)))
+    return save ? saveProject(*project, *projectFile) : 0;
   if (engine->error().number == kQuitNumber) return host->exitCode;
   printError(file, engine->error());
   return 1;

@@ -35,6 +35,19 @@ auto* findPhrase(Phrases& phrases, const std::string& id) {
   return it == phrases.end() ? nullptr : &*it;
 }
 
+// Whether a record holds `value` in its field `member`.
+template <typename Record>
+bool anyWith(const PhraseTable<Record>& table, std::string Record::*member,
+             const std::string& value) {
+  return std::ranges::any_of(table.records(), [&](const Record& r) { return r.*member == value; });
+}
+
+// Removes the records that hold `value` in their field `member`.
+template <typename Record>
+void removeWith(PhraseTable<Record>& table, std::string Record::*member, const std::string& value) {
+  table.removeIf([&](const Record& r) { return r.*member == value; });
+}
+
 template <typename Record>
 std::string phraseOf(const PhraseTable<Record>& table,
                      const typename PhraseTable<Record>::Identity& identity) {
@@ -156,14 +169,11 @@ void AGPLanguage::SetProjectPhrase(const std::string& languageId, const std::str
 }
 
 bool AGPLanguage::HasProjectPhrase(const std::string& attribute) const {
-  return std::ranges::any_of(tables_.project.records(), [&](const AGProjectPhrase& p) {
-    return p.ProjectAttribute == attribute;
-  });
+  return anyWith(tables_.project, &AGProjectPhrase::ProjectAttribute, attribute);
 }
 
 void AGPLanguage::ResetProjectPhrase(const std::string& attribute) {
-  tables_.project.removeIf(
-      [&](const AGProjectPhrase& p) { return p.ProjectAttribute == attribute; });
+  removeWith(tables_.project, &AGProjectPhrase::ProjectAttribute, attribute);
 }
 
 // ---------------------------------------------------------------------------
@@ -184,16 +194,15 @@ void AGPLanguage::SetMenuPhrase(const std::string& languageId, const std::string
 }
 
 bool AGPLanguage::HasMenuPhrase(const std::string& attribute) const {
-  return std::ranges::any_of(tables_.menu.records(),
-                             [&](const AGMenuPhrase& p) { return p.MenuAttribute == attribute; });
+  return anyWith(tables_.menu, &AGMenuPhrase::MenuAttribute, attribute);
 }
 
 void AGPLanguage::ResetMenuPhrase(const std::string& attribute) {
-  tables_.menu.removeIf([&](const AGMenuPhrase& p) { return p.MenuAttribute == attribute; });
+  removeWith(tables_.menu, &AGMenuPhrase::MenuAttribute, attribute);
 }
 
 void AGPLanguage::DeleteMenuPhrase(const std::string& menuId) {
-  tables_.menu.removeIf([&](const AGMenuPhrase& p) { return p.MenuId == menuId; });
+  removeWith(tables_.menu, &AGMenuPhrase::MenuId, menuId);
 }
 
 // ---------------------------------------------------------------------------
@@ -222,16 +231,15 @@ void AGPLanguage::SetTablePhrase(const std::string& languageId, const std::strin
 }
 
 bool AGPLanguage::HasTablePhrase(const std::string& attribute) const {
-  return std::ranges::any_of(tables_.table.records(),
-                             [&](const AGTablePhrase& p) { return p.TableAttribute == attribute; });
+  return anyWith(tables_.table, &AGTablePhrase::TableAttribute, attribute);
 }
 
 void AGPLanguage::ResetTablePhrase(const std::string& attribute) {
-  tables_.table.removeIf([&](const AGTablePhrase& p) { return p.TableAttribute == attribute; });
+  removeWith(tables_.table, &AGTablePhrase::TableAttribute, attribute);
 }
 
 void AGPLanguage::DeleteTablePhrase(const std::string& tableName) {
-  tables_.table.removeIf([&](const AGTablePhrase& p) { return p.TableName == tableName; });
+  removeWith(tables_.table, &AGTablePhrase::TableName, tableName);
 }
 
 // ---------------------------------------------------------------------------
@@ -261,12 +269,11 @@ void AGPLanguage::SetFieldPhrase(const std::string& languageId, const std::strin
 }
 
 bool AGPLanguage::HasFieldPhrase(const std::string& attribute) const {
-  return std::ranges::any_of(tables_.field.records(),
-                             [&](const AGFieldPhrase& p) { return p.FieldAttribute == attribute; });
+  return anyWith(tables_.field, &AGFieldPhrase::FieldAttribute, attribute);
 }
 
 void AGPLanguage::ResetFieldPhrase(const std::string& attribute) {
-  tables_.field.removeIf([&](const AGFieldPhrase& p) { return p.FieldAttribute == attribute; });
+  removeWith(tables_.field, &AGFieldPhrase::FieldAttribute, attribute);
 }
 
 void AGPLanguage::DeleteFieldPhrase(const std::string& tableName, const std::string& fieldName) {
