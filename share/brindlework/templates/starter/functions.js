@@ -381,3 +381,45 @@ function PageStart(titleExpr) {
 function BodyTitleExpr() {
   return "Language.ProjectPhrase(\"bodytitle\", " + Lit(PROJ.BodyTitle || PROJ.ProjName) + ")";
 }
+
+// Code lines of the site's language, indented for the page's code block.
+function CodeLines(lines, indent) {
+  var out = [];
+  for (var i = 0; i < lines.length; i++) out.push(indent + lines[i] + (IsVb() ? "" : ";"));
+  return out.join("\r\n");
+}
+
+// Statements that read the record of the key in the query string into `row`.
+function FindRecordCode(table) {
+  var names = LitArray(Names(KeyFields(table))), find = "Db.Find(" + Lit(table.TblName) + ", keyNames, key)";
+  return CodeLines(IsVb()
+    ? ["Dim keyNames = " + names, "Dim key = Site.Key(Request, keyNames)",
+       "Dim row As Row = If(key Is Nothing, Nothing, " + find + ")"]
+    : ["var keyNames = " + names, "var key = Site.Key(Request, keyNames)",
+       "var row = key == null ? null : " + find], "    ");
+}
+
+// Statements that build the option lists of the fields that have one.
+function OptionListsCode(fields) {
+  var lines = [];
+  for (var i = 0; i < fields.length; i++)
+    if (HasOptions(fields[i])) lines.push((IsVb() ? "Dim " : "var ") + OptionsVar(fields[i]) + " = " + OptionsExpr(fields[i]));
+  return CodeLines(lines, "    ");
+}
+
+// Statements that read the posted form's fields into `form`.
+function TakeFormCode(table, fields) {
+  var lines = [];
+  for (var i = 0; i < fields.length; i++) {
+    var f = fields[i];
+    lines.push("form.Take(Request, " + Lit(f.FldName) + ", " + Lit(ValueKind(f)) + ", " +
+      SYSTEMFUNCTIONS.BoolLiteral(f.FldRequired) + ", " + FieldCaptionExpr(table, f) + ")");
+  }
+  return CodeLines(lines, "        ");
+}
+
+// The page a form goes back to when it is done: the table's list page, or
+// the home page when the table has none.
+function ReturnPage(table) {
+  return Lit(HasPage(table, "list") ? PageName(table, "list") : "default." + PageExt());
+}
