@@ -9,13 +9,13 @@
 #include <cstdio>
 #include <string>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/databases.h"
+#include "isolated_state.h"
+#include "project/agp.h"
+#include "synthetic_template.h"
 #include "template/composition.h"
 #include "template/script_host.h"
-#include "isolated_state.h"
-#include "synthetic_template.h"
 
 namespace {
 

@@ -18,10 +18,10 @@
 #include <filesystem>
 #include <string>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/databases.h"
 #include "isolated_state.h"
+#include "project/agp.h"
 #include "support/zip_folder.h"
 #include "synthetic_sqlite.h"
 

@@ -15,9 +15,9 @@
 #include <pugixml.hpp>
 #include <string>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "isolated_state.h"
+#include "project/agp.h"
 
 namespace {
 

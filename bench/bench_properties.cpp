@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/project_attributes.h"
+#include "project/agp.h"
 
 namespace {
 

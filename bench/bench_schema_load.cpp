@@ -11,9 +11,9 @@
 #include <filesystem>
 #include <string>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "isolated_state.h"
+#include "project/agp.h"
 #include "synthetic_sqlite.h"
 
 namespace {

@@ -8,11 +8,11 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/properties.h"
-#include "template/script_engine.h"
 #include "isolated_state.h"
+#include "project/agp.h"
+#include "template/script_engine.h"
 
 namespace {
 

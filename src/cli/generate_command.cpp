@@ -13,8 +13,8 @@
 #include "cli/commands.h"
 #include "cli/project_options.h"
 #include "core/agp_vars.h"
+#include "core/control_items.h"
 #include "core/tables.h"
-#include "generation/control_items.h"
 #include "platform/files.h"
 #include "platform/text.h"
 

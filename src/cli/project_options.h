@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "cli/commands.h"
-#include "core/agp.h"
+#include "project/agp.h"
 
 namespace bw::cli {
 

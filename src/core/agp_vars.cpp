@@ -1,5 +1,6 @@
 #include "core/agp_vars.h"
 
+#include "core/definition_listener.h"
 #include "core/dispatch.h"
 #include "platform/host.h"
 #include "platform/progress_sink.h"
@@ -22,6 +23,7 @@ AGPVarsData::AGPVarsData()
     : ProductVersion(versionText()),
       ProjectVersion(ProductVersion),
       TemplateVersion(ProductVersion),
+      definitionListener(std::make_shared<DefinitionListener>()),
       host(std::make_shared<RecordingHost>()),
       progress(std::make_shared<SilentProgressSink>()) {
   BuildSettingsPaths(*this);

@@ -17,8 +17,9 @@
 
 namespace bw {
 
-class Host;
+class DefinitionListener;
 class Dispatch;
+class Host;
 class StoredDefaultsCache;
 class ProgressSink;
 struct RunLogIndex;
@@ -110,11 +111,13 @@ struct AGPVarsData {
   Ref<Dispatch> Status;
   Ref<Dispatch> MasterDetails;
   // The stores that refer to tables and fields by name: Language(), Menus(),
-  // Extensions(), CustomScripts().
+  // Extensions(), CustomScripts(); and who carries renames and deletes of
+  // tables and fields into them. Never null.
   Ref<Dispatch> Language;
   Ref<Dispatch> Menus;
   Ref<Dispatch> Extensions;
   Ref<Dispatch> CustomScripts;
+  std::shared_ptr<DefinitionListener> definitionListener;
 
   // The stored defaults of new definitions while a DefinitionBulkLoad runs;
   // null otherwise (see core/definition_object.h).

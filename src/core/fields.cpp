@@ -3,8 +3,7 @@
 #include "core/agp_vars.h"
 #include "core/attribute_members.h"
 #include "core/definition_attributes.h"
-#include "extensions/extensions.h"
-#include "language/phrase_store.h"
+#include "core/definition_listener.h"
 
 namespace bw {
 
@@ -66,8 +65,7 @@ bool AGPFields::Change(const std::string& tblName, const std::string& oldName, c
     case Rename::Renamed:
       break;
   }
-  Extensions().RenameField(tblName, oldName, newName);
-  Language().RenameField(Variant(tblName), Variant(oldName), Variant(newName));
+  AGPVars().definitionListener->fieldRenamed(tblName, oldName, newName);
   return true;
 }
 
@@ -77,8 +75,7 @@ bool AGPFields::Delete(const std::string& tblName, const Variant& index) {
   if (!field) return false;
   const std::string name = nameOf(*field);
   closeSequenceGap(*field);
-  Extensions().RemoveField(tblName, name);
-  Language().DeleteFieldPhrase(tblName, name);
+  AGPVars().definitionListener->fieldDeleted(tblName, name);
   remove(key);
   return true;
 }

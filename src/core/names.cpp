@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "core/agp_vars.h"
+#include "core/keywords.h"
 #include "platform/text.h"
-#include "template/keywords.h"
 
 namespace bw {
 namespace {

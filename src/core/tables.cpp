@@ -3,12 +3,9 @@
 #include "core/agp_vars.h"
 #include "core/attribute_members.h"
 #include "core/definition_attributes.h"
+#include "core/definition_listener.h"
 #include "core/names.h"
-#include "extensions/extensions.h"
-#include "language/phrase_store.h"
-#include "persistence/menus.h"
 #include "platform/text.h"
-#include "template/custom_scripts.h"
 
 namespace bw {
 
@@ -25,14 +22,12 @@ Ref<AGControlItems> AGPTable::ControlList() {
 void AGPTable::setTblGen(bool generate) {
   setAttr("TblGen", Variant(generate));
   setAttr("TblGenList", Variant(""));
-  const std::string name = TblName();
-  for (const Ref<AGPMenu>& item : Menus().items())
-    if (item->isTableItem("", name)) item->MenuShow = generate;
+  AGPVars().definitionListener->tableGenerationChanged(TblName(), generate);
 }
 
 void AGPTable::setTblCaption(const std::string& caption) {
   setAttr("TblCaption", Variant(caption));
-  if (Ref<AGPMenu> item = Menus().GetItemByTableName("", TblName())) item->MenuText = caption;
+  AGPVars().definitionListener->tableCaptionChanged(TblName(), caption);
 }
 
 namespace {
@@ -104,17 +99,6 @@ namespace {
 
 constexpr ListAttributes kTableNames{"TblName", "TblSeq", "TblVar", ""};
 
-// Deletes the first item that links to table `name`, of whatever source.
-void deleteFirstMenuItem(const std::string& name) {
-  for (const Ref<AGPMenu>& item : Menus().items()) {
-    if (!item->MenuCustomUrl && item->MenuUrl == name) {
-      const std::int32_t id = item->MenuId;
-      Menus().DeleteMenu(id);
-      return;
-    }
-  }
-}
-
 }  // namespace
 
 AGPTables::AGPTables() : DefinitionList(kTableNames) {}
@@ -142,10 +126,7 @@ bool AGPTables::Change(const std::string& oldName, const std::string& newName) {
     case Rename::Renamed:
       break;
   }
-  Extensions().RenameTable(oldName, newName);
-  Language().RenameTable(Variant(oldName), Variant(newName));
-  if (Ref<AGPMenu> item = Menus().GetItemByTableName("", oldName)) item->MenuUrl = newName;
-  CustomScripts().Change(oldName, newName);
+  AGPVars().definitionListener->tableRenamed(oldName, newName);
   return true;
 }
 
@@ -154,11 +135,8 @@ bool AGPTables::Delete(const std::string& index) {
   if (!found) return false;
   Ref<AGPTable> table = refTo(static_cast<AGPTable*>(found));
   const std::string name = table->TblName();
-  Language().DeleteTablePhrase(name);
   closeSequenceGap(*table);
-  Extensions().RemoveTable(name);
-  CustomScripts().DeleteTableScripts(index);
-  deleteFirstMenuItem(index);
+  AGPVars().definitionListener->tableDeleted(name, index);
   remove(index);
   // A table that goes takes its fields, and their phrases and extension
   // entries, with it. This runs here rather than when the last reference

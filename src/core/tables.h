@@ -10,9 +10,9 @@
 
 #include <string>
 
+#include "core/control_items.h"
 #include "core/definition_list.h"
 #include "core/fields.h"
-#include "generation/control_items.h"
 
 namespace bw {
 

@@ -135,10 +135,4 @@ std::optional<double> parseNumber(std::string_view text);
 std::string formatDate(double oaDate);  // M/D/YYYY h:mm:ss AM, parts omitted as the Basic does
 std::optional<double> parseDate(std::string_view text);
 
-struct DateParts {
-  int year, month, day, hour, minute, second;
-};
-DateParts splitDate(double oaDate);
-double makeDate(const DateParts& parts);
-
 }  // namespace bw

@@ -5,12 +5,12 @@
 #include <filesystem>
 #include <system_error>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/control_items.h"
 #include "core/generation_error.h"
+#include "core/project.h"
 #include "core/status.h"
 #include "core/tables.h"
-#include "generation/control_items.h"
 #include "generation/generation.h"
 #include "generation/output_files.h"
 #include "platform/files.h"
@@ -18,6 +18,8 @@
 #include "platform/text.h"
 #include "schema/connection.h"
 #include "template/controls.h"
+#include "template/output_file.h"
+#include "template/project_template.h"
 #include "template/template_folders.h"
 
 namespace bw {
@@ -148,7 +150,7 @@ std::int16_t Generation::CopyControlFiles(bool check) {
   AGPVarsData& vars = AGPVars();
   std::int16_t count = 0;
   for (const Ref<AGPControl>& ctrl : controls_.walk()) {
-    if (ctrl->CtrlType != "copy" || !project_.EvalCondition(ctrl->CtrlCond)) continue;
+    if (ctrl->CtrlType != "copy" || !template_.EvalCondition(ctrl->CtrlCond)) continue;
     if (const AGControlItem* item = projectItem(ctrl->CtrlID); item && !item->ItemGen) continue;
     vars.CurrentTemplateFolder = TemplateFolderOf(ctrl->CtrlExt);
     if (!ctrl->CtrlIFiles.empty()) {

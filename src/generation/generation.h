@@ -30,7 +30,8 @@
 
 namespace bw {
 
-class AGP;
+class Project;
+class ProjectTemplate;
 class AGPControl;
 class AGPControls;
 class AGPDatabase;
@@ -44,7 +45,7 @@ class Connection;
 
 class Generation {
  public:
-  explicit Generation(AGP& project);
+  Generation(Project& project, ProjectTemplate& projectTemplate);
 
   // The bodies of AGP::GenCheck and AGP::GenScript.
   std::int16_t GenCheck();
@@ -165,7 +166,8 @@ class Generation {
   void copyLogo(bool check);
   bool createLanguageFiles(bool check);
 
-  AGP& project_;
+  Project& project_;
+  ProjectTemplate& template_;
   AGPControls& controls_;
   std::unordered_map<std::string, std::string> composedScripts_;  // by "tpl" path, for the run
 };

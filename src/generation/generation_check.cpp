@@ -3,9 +3,9 @@
 // the control file, starts the script host and walks the pages in check
 // mode: nothing is written, the generation choices are filled, and the
 // count of output files that exist already comes back.
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/generation_error.h"
+#include "core/project.h"
 #include "core/status.h"
 #include "generation/generation.h"
 #include "generation/template_package.h"
@@ -14,6 +14,7 @@
 #include "platform/host.h"
 #include "template/cache.h"
 #include "template/controls.h"
+#include "template/project_template.h"
 #include "template/script_host.h"
 
 namespace bw {
@@ -28,7 +29,7 @@ constexpr std::string_view kTemplateChanged =
 std::int16_t Generation::GenCheck() {
   AGPVarsData& vars = AGPVars();
   vars.ProjErr.clear();
-  if (!project_.CreateRuntimeObjects()) return 0;
+  if (!CreateRuntimeObjects()) return 0;
   if (!project_.DB()) {
     vars.ProjErr = ProductMessage(": Database not loaded! Generation aborted!");
     return 0;
@@ -40,7 +41,7 @@ std::int16_t Generation::GenCheck() {
     if (unpackTemplate() && loadCheckedControls()) {
       ResetControlItems();
       vars.Cache = nullptr;
-      if (vars.ProjErr.empty()) project_.LoadTemplateScripts();
+      if (vars.ProjErr.empty()) template_.LoadTemplateScripts();
       // A script error of validation or template scripts still lets the
       // walk fill the choices, but the check counts as failed.
       existing = GeneratePages(true);

@@ -6,14 +6,15 @@
 // plus 2 for "without header and footer".
 #include <unordered_set>
 
-#include "core/agp.h"
+#include "core/control_items.h"
 #include "core/fields.h"
+#include "core/project.h"
 #include "core/tables.h"
-#include "generation/control_items.h"
 #include "generation/generation.h"
 #include "persistence/master_details.h"
 #include "platform/text.h"
 #include "template/controls.h"
+#include "template/project_template.h"
 
 namespace bw {
 namespace {
@@ -74,7 +75,7 @@ void Generation::BuildControlItems() {
     const std::string type = text::toLower(ctrl->CtrlType);
     if (type == "function" || type == "folder" || type == "field" || type == "chart") continue;
     if (type != "table" && type != "report") {
-      if (!ctrl->CtrlTagExt.empty() || !project_.EvalCondition(ctrl->CtrlCond)) continue;
+      if (!ctrl->CtrlTagExt.empty() || !template_.EvalCondition(ctrl->CtrlCond)) continue;
       if (!projectItems.Add(ctrl->CtrlID, OutputFileName(*ctrl, "", ""), true, remarkOf(*ctrl))) continue;
       AGControlItem& item = *projectItems.Item(Variant(ctrl->CtrlID));
       item.ItemHasHeaderFooter = ctrl->CtrlHasHeaderFooter();
@@ -129,7 +130,7 @@ std::int32_t Generation::CountGenerationItems() {
       const AGControlItem& item = *items.Item(Variant(k));
       if (!item.ItemGen) continue;
       for (const Ref<AGPControl>& ctrl : controls_.walk())
-        if (ctrl->CtrlID == item.ItemId && project_.EvalCondition(ctrl->CtrlCond)) ++count;
+        if (ctrl->CtrlID == item.ItemId && template_.EvalCondition(ctrl->CtrlCond)) ++count;
     }
     return count;
   };

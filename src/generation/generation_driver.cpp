@@ -7,13 +7,14 @@
 // or a cancel raises GenerationError, which ends here with ProjErr set.
 #include <filesystem>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/conversions.h"
 #include "core/generation_error.h"
+#include "core/project.h"
 #include "core/registry.h"
 #include "core/status.h"
 #include "generation/generation.h"
+#include "generation/script_objects.h"
 #include "generation/template_package.h"
 #include "language/phrase_store.h"
 #include "persistence/master_details.h"
@@ -27,6 +28,7 @@
 #include "template/code_base.h"
 #include "template/controls.h"
 #include "template/file_cache.h"
+#include "template/project_template.h"
 #include "template/script_host.h"
 
 namespace bw {
@@ -41,7 +43,8 @@ bool isComposed(const AGPControl& ctrl) {
 
 }  // namespace
 
-Generation::Generation(AGP& project) : project_(project), controls_(*project.ControlList()) {}
+Generation::Generation(Project& project, ProjectTemplate& projectTemplate)
+    : project_(project), template_(projectTemplate), controls_(*projectTemplate.controls()) {}
 
 void Generation::openStatus(const std::string& text) {
   AGPVars().StatusTitle = ProductMessage(text);
@@ -86,7 +89,7 @@ bool Generation::prepareRun() {
   startProfiler();
   takeRelatedProjectVersion();
   SaveGenLists();
-  if (!project_.CreateRuntimeObjects()) return false;
+  if (!CreateRuntimeObjects()) return false;
   if (!project_.DB()) {
     vars.ProjErr = ProductMessage(": Database not loaded! Generation aborted!");
     return false;
@@ -110,7 +113,7 @@ bool Generation::prepareRun() {
   applyLanguageWildcard();
   MasterDetails().CheckSequence();
   if (!createScriptHost()) return false;
-  project_.LoadTemplateScripts();
+  template_.LoadTemplateScripts();
   if (!vars.ProjErr.empty()) return false;
   openStatus(" - Validating project settings...");
   GenerationScript()->Validate();
@@ -250,9 +253,7 @@ bool Generation::createScriptHost() {
   const auto makeHost = [&]() -> Ref<AGScript> {
     auto host = make<AGScript>();
     if (!host->IsInitialized()) return nullptr;
-    host->Initialize(refTo(&project_), project_.DB(), project_.ControlList(), project_.Language(),
-                     refTo(&MasterDetails()), project_.customscripts(),
-                     project_.attr("ProgramLanguage"), project_.Extensions(), project_.MenuList());
+    BindProjectObjects(*host, project_, template_);
     return host;
   };
   vars.Script = makeHost();
@@ -286,7 +287,7 @@ void Generation::composeStaleControls(std::int32_t staleSessions) {
     const std::string label = ctrl->CtrlID + (ctrl->CtrlTagExt.empty() ? "" : "(" + ctrl->CtrlTagExt + ")");
     Status().DispStatus("Loading " + label + " script...");
     const std::int64_t start = clock::tickCount();
-    project_.ComposeControl(*ctrl, CachedScriptPath(*ctrl));
+    template_.ComposeControl(*ctrl, CachedScriptPath(*ctrl));
     vars.GenerationStats.composeMs += clock::tickCount() - start;
     ++vars.GenerationStats.composed;
   }

@@ -8,22 +8,12 @@
 
 #include "core/agp_vars.h"
 #include "core/registry.h"
-#include "core/status.h"
 #include "platform/clock.h"
 #include "platform/files.h"
-#include "platform/host.h"
 #include "platform/text.h"
 
 namespace bw {
 namespace {
-
-constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
-
-void reportFileError(const std::string& what, const std::string& path, const std::string& why) {
-  AGPVarsData& vars = AGPVars();
-  vars.host->showMessage("Error in " + what + " '" + path + "', error description: " + why,
-                         vars.ProductName, MessageIcon::Critical);
-}
 
 // Appends `line` to the file, after a CR LF when the file has content.
 void appendLine(const std::string& path, const std::string& line) {
@@ -59,16 +49,6 @@ RunLogIndex& runLogIndex(const std::string& log) {
 }
 
 }  // namespace
-
-// The file is written under a temporary name and renamed into place, so a
-// run that is stopped or killed never leaves a page cut short.
-void WriteOutputFile(const std::string& path, const std::string& text, bool raw) {
-  const bool withBom = !raw && GeneralFlag("UTF8Output");
-  std::string error;
-  const std::string bytes = withBom ? std::string(kUtf8Bom) + text : text;
-  if (!files::writeFileAtomic(path, bytes, &error, files::Durability::Unsynced))
-    reportFileError(withBom ? "writing utf8 data to file" : "writing text data to file", path, error);
-}
 
 bool ConfirmOverwrite(const std::string& path, bool allow, bool check) {
   if (check) return files::fileExists(path);
@@ -107,14 +87,6 @@ void LogGeneratedFile(const std::string& path, std::int64_t startTick, std::int6
     appendLine(vars.ProfilerFile, vars.ProfilerNote);
     vars.ProfilerNote.clear();
   }
-}
-
-void StepProgress() {
-  AGPVarsData& vars = AGPVars();
-  ++vars.ProgressDone;
-  const double percent =
-      vars.ProgressTotal > 0 ? 100.0 * vars.ProgressDone / vars.ProgressTotal : 0.0;
-  Status().SetStatus(Variant(percent));
 }
 
 }  // namespace bw

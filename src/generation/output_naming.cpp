@@ -1,6 +1,6 @@
 // Names and places of generated files.
-#include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/project.h"
 #include "core/tables.h"
 #include "generation/generation.h"
 #include "platform/clock.h"

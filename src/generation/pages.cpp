@@ -1,20 +1,23 @@
 // The page walk: which controls apply to what, and running each page's
 // composed function into its output file.
-#include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/control_items.h"
 #include "core/fields.h"
 #include "core/generation_error.h"
+#include "core/project.h"
 #include "core/registry.h"
 #include "core/status.h"
 #include "core/tables.h"
-#include "generation/control_items.h"
 #include "generation/generation.h"
 #include "generation/output_files.h"
+#include "persistence/project_reader.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "template/composition.h"
 #include "template/controls.h"
+#include "template/output_file.h"
+#include "template/project_template.h"
 #include "template/script_host.h"
 
 namespace bw {
@@ -96,12 +99,12 @@ bool Generation::ControlAppliesToTable(AGPTable& table, const AGPControl& ctrl) 
       (ctrl.CtrlType == "report" && tblType == "REPORT");
   if (!typeMatches) return false;
   makeCurrent(&table);
-  return project_.EvalCondition(ctrl.CtrlCond);
+  return template_.EvalCondition(ctrl.CtrlCond);
 }
 
 std::int16_t Generation::GeneratePages(bool check) {
   AGPVarsData& vars = AGPVars();
-  project_.EnsureProjectIds();
+  EnsureProjectIds(project_);
   prepareTables();
   makeCurrent(nullptr);
   vars.ProgressTotal = CountGenerationItems();
@@ -230,7 +233,7 @@ std::int16_t Generation::GenerateFieldPages(AGPField& field, bool check) {
   if (!somePageOn) return 0;
   std::int16_t count = 0;
   for (const Ref<AGPControl>& ctrl : controls_.walk()) {
-    if (ctrl->CtrlType != "field" || !project_.EvalCondition(ctrl->CtrlCond)) continue;
+    if (ctrl->CtrlType != "field" || !template_.EvalCondition(ctrl->CtrlCond)) continue;
     vars.OutputFile = OutputFileName(*ctrl, table.attrText("TblVar"), field.FldParm());
     const std::string path =
         OutputPath(JoinOutputFolder(ctrl->CtrlOFolderID, ctrl->CtrlOFolder), vars.OutputFile, check);
@@ -256,7 +259,7 @@ std::int16_t Generation::GenerateOtherPages(bool check, std::string_view typeLis
       files::removeFile(stale);
     }
     if (!typeInList(ctrl->CtrlType, typeList)) continue;
-    if (!project_.EvalCondition(ctrl->CtrlCond)) continue;
+    if (!template_.EvalCondition(ctrl->CtrlCond)) continue;
     ctrl->CtrlSkipHeaderFooter = false;
     AGControlItem* item = projectItem(ctrl->CtrlID);
     if (item) {
@@ -323,7 +326,7 @@ void Generation::runComposedFunction(const std::string& scriptFile, const std::s
   if (isNew) cached->second = files::readTextFile(scriptFile);
   const std::string& code = cached->second;
   vars.ScriptEngineTimeout = GeneralSetting("ScriptEngineTimeout").toLong().value_or(0);
-  std::string result = GenerationScript()->BuildNewCode(project_.ControlFunctionId(ctrl), code,
+  std::string result = GenerationScript()->BuildNewCode(template_.ControlFunctionId(ctrl), code,
                                                        initType, vars.ScriptEngineTimeout);
   const std::int64_t ran = clock::tickCount();
   vars.GenerationStats.scriptMs += ran - start;

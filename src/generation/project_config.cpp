@@ -3,13 +3,13 @@
 // user's style sheet, logo and icon, and the language files.
 #include <pugixml.hpp>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/control_items.h"
 #include "core/conversions.h"
+#include "core/project.h"
 #include "core/registry.h"
 #include "core/status.h"
 #include "core/tables.h"
-#include "generation/control_items.h"
 #include "generation/generation.h"
 #include "generation/output_files.h"
 #include "persistence/project_files.h"
@@ -17,6 +17,7 @@
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/xml.h"
+#include "template/output_file.h"
 
 namespace bw {
 namespace {

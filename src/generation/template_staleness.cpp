@@ -5,9 +5,9 @@
 #include <functional>
 #include <unordered_set>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/generation_error.h"
+#include "core/project.h"
 #include "generation/generation.h"
 #include "platform/files.h"
 #include "platform/text.h"

@@ -1,8 +1,8 @@
 // The generated site keeps the names of dynamic user levels in a field of
 // the user level permission table, and they need 255 characters. A
 // narrower field is widened, with the user's consent, before a run.
-#include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/project.h"
 #include "core/tables.h"
 #include "generation/generation.h"
 #include "platform/host.h"

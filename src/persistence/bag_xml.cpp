@@ -1,9 +1,9 @@
 #include "persistence/bag_xml.h"
 
 #include "core/conversions.h"
+#include "core/settings_file.h"
 #include "platform/files.h"
 #include "platform/text.h"
-#include "template/settings_file.h"
 
 namespace bw {
 namespace {

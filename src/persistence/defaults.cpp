@@ -5,7 +5,8 @@
 // start from those values. The fixed values below are set whatever the
 // store says, because a project's security and generation choices must not
 // be inherited from an earlier project by accident.
-#include "core/agp.h"
+#include "persistence/defaults.h"
+
 #include "core/agp_vars.h"
 #include "core/databases.h"
 #include "core/registry.h"
@@ -35,9 +36,9 @@ void writeStoredAttributes(const AGProperties& bag, const std::string& section) 
 
 }  // namespace
 
-void AGP::LoadDefault() {
+void LoadDefault(Project& project) {
   AGPVarsData& vars = AGPVars();
-  AGProperties& bag = *properties_;
+  AGProperties& bag = *project.Properties();
   for (std::size_t slot = 0; slot < bag.size(); ++slot) {
     const AttributeDef& def = bag.defAt(slot);
     if (def.regSave)
@@ -45,11 +46,10 @@ void AGP::LoadDefault() {
   }
 
   vars.LanguageFolder = userSetting(vars.RegGeneral, "LanguageFolder").toText();
-  backupFile_ = ConvertSetting(userSetting(vars.RegGeneral, "BackupFile"), DataKind::Boolean)
-                    .toBoolean()
-                    .value_or(false);
-  vars.DefaultDateFormat = numericOrZero(attr("defaultDateFormat"));
-  userCode_ = userSetting(vars.RegGeneral, "UserCode").toText();
+  project.setBackupFile(
+      ConvertSetting(userSetting(vars.RegGeneral, "BackupFile"), DataKind::Boolean).toBoolean().value_or(false));
+  vars.DefaultDateFormat = numericOrZero(project.attr("defaultDateFormat"));
+  project.setUserCode(userSetting(vars.RegGeneral, "UserCode").toText());
   vars.ScriptEngineTimeout =
       ConvertSetting(userSetting(vars.RegGeneral, "ScriptEngineTimeout"), DataKind::Long)
           .toLong()
@@ -59,35 +59,35 @@ void AGP::LoadDefault() {
 
   for (const char* name : {"IncFiles", "IncVirtuals", "SecLoginID", "SecPasswd", "SecTbl",
                            "SecLoginIDFld", "SecPasswdFld"})
-    setAttr(name, Variant(""));
-  setAttr("SecType", Variant("None"));
-  setAttr("AutoSync", Variant(true));
-  setAttr("AutoBrowse", Variant(false));
+    project.setAttr(name, Variant(""));
+  project.setAttr("SecType", Variant("None"));
+  project.setAttr("AutoSync", Variant(true));
+  project.setAttr("AutoBrowse", Variant(false));
 
-  if (attrText("XMLEncoding").empty()) setAttr("XMLEncoding", Variant(GetSystemCharset()));
+  if (project.attrText("XMLEncoding").empty()) project.setAttr("XMLEncoding", Variant(GetSystemCharset()));
 
-  setAttr("OtherGen", Variant(true));
-  setAttr("WebConfigGen", Variant(true));
-  setAttr("WebConfigOverwrite", Variant(true));
-  setAttr("LinkOnLeft", Variant(false));
-  setAttr("PagerStyle", Variant(std::int16_t{2}));
-  setAttr("MultiDelete", Variant(false));
+  project.setAttr("OtherGen", Variant(true));
+  project.setAttr("WebConfigGen", Variant(true));
+  project.setAttr("WebConfigOverwrite", Variant(true));
+  project.setAttr("LinkOnLeft", Variant(false));
+  project.setAttr("PagerStyle", Variant(std::int16_t{2}));
+  project.setAttr("MultiDelete", Variant(false));
 
   const std::int16_t threshold = userSetting(vars.RegGeneral, "UnloadThresholdCount").toInteger().value_or(0);
-  unloadThresholdCount_ = threshold <= 0 ? 20 : threshold;
+  project.setUnloadThresholdCount(threshold <= 0 ? 20 : threshold);
 
   // Keep the shared copies of the attributes in step with the values read,
   // so that names made before the next setter call use the right language.
-  vars.ProgramLanguage = attrText("ProgramLanguage");
-  vars.AppCompatVersion = attr("AppCompatVersion");
+  vars.ProgramLanguage = project.attrText("ProgramLanguage");
+  vars.AppCompatVersion = project.attr("AppCompatVersion");
 }
 
-void AGP::SaveDefault() {
+void SaveDefault(Project& project) {
   const AGPVarsData& vars = AGPVars();
-  writeStoredAttributes(*properties_, vars.RegProject);
-  if (const Ref<AGPDatabase> db = DB()) writeStoredAttributes(db->bag(), vars.RegDatabase);
-  WriteSetting("HKCU", vars.RegGeneral, "BackupFile", 1, backupFile_);
-  WriteSetting("HKCU", vars.RegGeneral, "UserCode", 1, userCode_);
+  writeStoredAttributes(*project.Properties(), vars.RegProject);
+  if (const Ref<AGPDatabase> db = project.DB()) writeStoredAttributes(db->bag(), vars.RegDatabase);
+  WriteSetting("HKCU", vars.RegGeneral, "BackupFile", 1, project.BackupFile());
+  WriteSetting("HKCU", vars.RegGeneral, "UserCode", 1, project.UserCode());
   WriteSetting("HKCU", vars.RegGeneral, "ScriptEngineTimeout", 4, vars.ScriptEngineTimeout);
   WriteSetting("HKCU", vars.RegGeneral, "AppThemesFolder", 1, vars.AppThemesFolder);
   WriteSetting("HKCU", vars.RegGeneral, "AppDataFolder", 1, vars.AppDataFolder);

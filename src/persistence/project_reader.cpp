@@ -1,6 +1,5 @@
-// AGP::Load: a project file into the project object, its definition model
-// and the stores of phrases, menus, master/detail definitions, custom
-// scripts and extensions.
+#include "persistence/project_reader.h"
+
 #include <pugixml.hpp>
 
 #include <exception>
@@ -8,17 +7,18 @@
 #include <optional>
 #include <string>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/automation_error.h"
 #include "core/databases.h"
+#include "core/keywords.h"
 #include "core/names.h"
-#include "core/tables.h"
 #include "core/registry.h"
 #include "core/status.h"
+#include "core/tables.h"
 #include "extensions/extensions.h"
 #include "language/phrase_store.h"
 #include "persistence/bag_xml.h"
+#include "persistence/defaults.h"
 #include "persistence/master_details.h"
 #include "persistence/menus.h"
 #include "persistence/project_files.h"
@@ -30,7 +30,6 @@
 #include "schema/dialect.h"
 #include "template/code_base.h"
 #include "template/custom_scripts.h"
-#include "template/keywords.h"
 #include "template/script_host.h"
 
 namespace bw {
@@ -175,7 +174,7 @@ void loadMenuItem(AGPMenu& menu, const pugi::xml_node& element) {
 // The reader of one Load call.
 class ProjectReader {
  public:
-  explicit ProjectReader(AGP& project) : project_(project), vars_(AGPVars()) {}
+  explicit ProjectReader(Project& project) : project_(project), vars_(AGPVars()) {}
 
   void read(const std::string& projFile);
 
@@ -202,7 +201,7 @@ class ProjectReader {
 
   pugi::xml_node root() const { return file_.doc.document_element(); }
 
-  AGP& project_;
+  Project& project_;
   AGPVarsData& vars_;
   ProjectDocument file_;
   std::string path_;
@@ -214,14 +213,11 @@ class ProjectReader {
   AGPTable* table_ = nullptr;
 };
 
-void AGP::Load(const std::string& projFile, bool Sync) {
-  // Comparing with the live database (Sync with AutoSync) arrives with
-  // synchronization; a load never connects yet.
-  (void)Sync;
+void LoadProjectFile(Project& project, const std::string& projFile) {
   AGPVarsData& vars = AGPVars();
   vars.ProjErr.clear();
   try {
-    ProjectReader(*this).read(projFile);
+    ProjectReader(project).read(projFile);
     return;
   } catch (const LoadStopped&) {
   } catch (const AutomationError& e) {
@@ -234,16 +230,16 @@ void AGP::Load(const std::string& projFile, bool Sync) {
 
 void ProjectReader::read(const std::string& projFile) {
   path_ = projFile;
-  if (!project_.CreateRuntimeObjects()) throw LoadStopped{};
-  project_.LoadDefault();
+  if (!CreateRuntimeObjects()) throw LoadStopped{};
+  LoadDefault(project_);
   loadCodeBase();
   loadDocument();
   version_ = root().attribute("Version").value();
   convertForeignFormat();
   checkVersion();
   loadMenus();
-  project_.keywordFile_ = GeneralSetting("Keyword").toText();
-  Keywords().Load(Variant(project_.keywordFile_));
+  project_.setKeywordFile(GeneralSetting("Keyword").toText());
+  Keywords().Load(Variant(project_.KeywordFile()));
   if (std::string_view(root().name()) != "Project") stop(productError("Invalid Project File!"));
   showProgress();
   loadProjectAttributes();
@@ -255,7 +251,7 @@ void ProjectReader::read(const std::string& projFile) {
   updateRelatedProject();
   if (progressTotal_ > 0) Status().CloseStatus();
   if (!converted_) vars_.Dirty = false;
-  project_.EnsureProjectIds();
+  EnsureProjectIds(project_);
 
   if (!files::fileExists(project_.attrText("Template")))
     project_.setAttr("Template", ReadSetting("HKCU", vars_.RegProject, "Template"));
@@ -271,21 +267,10 @@ void ProjectReader::read(const std::string& projFile) {
   vars_.ProjectFile = projFile;
 }
 
-// The script host is probed because a project is useless without it: a
-// ScriptEngine setting that names an engine we cannot run stops a load or a
-// run before it begins. Files and XML need no probe here: they are part of
-// the engine itself.
-bool AGP::CreateRuntimeObjects() {
-  AGPVarsData& vars = AGPVars();
-  vars.ProjErr.clear();
-  { auto probe = make<AGScript>(); }
-  return vars.ProjErr.empty();
-}
-
 void ProjectReader::loadCodeBase() {
-  project_.codeBaseFile_ = GeneralSetting("CodeBase").toText();
-  if (!project_.codeBaseFile_.empty() && files::fileExists(project_.codeBaseFile_))
-    CodeBase().Load(Variant(project_.codeBaseFile_));
+  project_.setCodeBaseFile(GeneralSetting("CodeBase").toText());
+  const std::string& file = project_.CodeBaseFile();
+  if (!file.empty() && files::fileExists(file)) CodeBase().Load(Variant(file));
 }
 
 void ProjectReader::loadDocument() {
@@ -566,9 +551,9 @@ void ProjectReader::updateRelatedProject() {
   SaveDom(related, relatedDoc, encoding.empty() || encoding == "utf-8", error);
 }
 
-void AGP::EnsureProjectIds() {
-  if (attrText("ProjID").empty()) setAttr("ProjID", Variant(Status().GetGUID()));
-  const std::string related = attrText("AppRelatedProject");
+void EnsureProjectIds(Project& project) {
+  if (project.attrText("ProjID").empty()) project.setAttr("ProjID", Variant(Status().GetGUID()));
+  const std::string related = project.attrText("AppRelatedProject");
   if (related.empty() || !files::fileExists(related)) return;
   pugi::xml_document relatedDoc;
   if (!xml::loadFile(relatedDoc, related)) return;

@@ -1,11 +1,9 @@
-// AGP::Save: the project, its definition model and the stores written as
-// one XML text over the project file, after the old one became its newest
-// backup.
+#include "persistence/project_writer.h"
+
 #include <exception>
 #include <string>
 #include <vector>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/automation_error.h"
 #include "core/databases.h"
@@ -66,7 +64,7 @@ class SequenceRepair {
 // CR LF text node at its fixed place, written as the elements are.
 class ProjectWriter {
  public:
-  ProjectWriter(AGP& project, std::string& text) : project_(project), out_(text) {}
+  ProjectWriter(Project& project, std::string& text) : project_(project), out_(text) {}
 
   void write();
 
@@ -80,7 +78,7 @@ class ProjectWriter {
   void writeMenus();
   void writePhrases();
 
-  AGP& project_;
+  Project& project_;
   XmlTextWriter out_;
 };
 
@@ -253,8 +251,8 @@ void ProjectWriter::writePhrases() {
 
 }  // namespace
 
-bool AGP::CheckSequences() {
-  Ref<AGPDatabase> db = DB();
+bool CheckSequences(Project& project) {
+  Ref<AGPDatabase> db = project.DB();
   if (!db) return true;
   AGPTables& tables = *db->Tables();
   SequenceRepair tableSeqs(tables.Count());
@@ -274,14 +272,14 @@ bool AGP::CheckSequences() {
   return true;
 }
 
-void AGP::Save(const std::string& projFile) {
+void SaveProjectFile(Project& project, const std::string& projFile) {
   AGPVarsData& vars = AGPVars();
   vars.ProjErr.clear();
   try {
-    CheckSequences();
+    CheckSequences(project);
     GetSystemCharset();
     std::string text(kUtf8ByteOrderMark);
-    ProjectWriter(*this, text).write();
+    ProjectWriter(project, text).write();
     std::int16_t maxCount =
         ConvertSetting(GeneralSetting("MaxProjectBackupCount"),
                        DataKind::Integer)

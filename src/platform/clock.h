@@ -7,6 +7,14 @@
 
 namespace bw::clock {
 
+// An OLE date number counts days from 1899-12-30; its fraction is the time
+// of day, and for dates before that day the fraction still counts forward.
+struct DateParts {
+  int year, month, day, hour, minute, second;
+};
+DateParts splitDate(double oaDate);
+double makeDate(const DateParts& parts);
+
 // The local time of `seconds` since the epoch, as an OLE date number.
 double localDate(std::time_t seconds);
 

@@ -1,17 +1,14 @@
-// AGP::LoadDB and AGP::LoadTable: the doors from a project to its database's
-// schema. They choose the road by the database type word, keep the project
-// consistent when a load fails (no half-made database stays), and leave the
-// outcome in ProjErr.
+#include "schema/load_db.h"
+
 #include <string>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/definition_object.h"
+#include "core/keywords.h"
 #include "core/registry.h"
 #include "core/status.h"
 #include "platform/text.h"
 #include "schema/ado_loader.h"
-#include "template/keywords.h"
 
 namespace bw {
 namespace {
@@ -34,7 +31,7 @@ std::string databaseKey(const std::string& upperType, const std::string& dbName,
 }
 
 // The project settings the table and field loaders start from.
-void copyLoadSettings(AGP& project) {
+void copyLoadSettings(Project& project) {
   AGPVarsData& vars = AGPVars();
   vars.SQLQuote = project.attr("SQLQuote");
   vars.DefaultDateFormat = project.typedAttr("DefaultDateFormat").toInteger().value_or(0);
@@ -53,7 +50,7 @@ void copyLoadSettings(AGP& project) {
   for (const auto& [member, name] : copies) vars.*member = project.typedAttr(name);
 }
 
-void loadKeywords(AGP& project) {
+void loadKeywords(Project& project) {
   AGPVars().ProgramLanguage = project.ProgramLanguage();
   Keywords().Load(ReadSetting(Variant("HKCU"), Variant(AGPVars().RegGeneral), Variant("Keyword")));
 }
@@ -84,27 +81,28 @@ std::int16_t loadThroughRoad(AGPDatabase& db, const schema::ConnectionRequest& r
 }  // namespace
 
 // sPath and bDBUseServerMapPath serve the Access road, which this build lacks.
-void AGP::LoadDB(const Variant& sDbName, const Variant& sDbType, [[maybe_unused]] const Variant& sPath,
-                 const Variant& sPhyPath, [[maybe_unused]] const Variant& bDBUseServerMapPath, const Variant& sUID, const Variant& sPwd,
-                 const Variant& sConnStr, const Variant& sSchema) {
+void LoadDB(Project& project, const Variant& sDbName, const Variant& sDbType,
+            [[maybe_unused]] const Variant& sPath, const Variant& sPhyPath,
+            [[maybe_unused]] const Variant& bDBUseServerMapPath, const Variant& sUID,
+            const Variant& sPwd, const Variant& sConnStr, const Variant& sSchema) {
   AGPVarsData& vars = AGPVars();
   vars.StatusTitle = vars.ProductName + " - Loading Database...";
-  if (DB()) {
+  if (project.DB()) {
     vars.ProjErr = "database already loaded!";
     return;
   }
   const std::string type = sDbType.toText();
   const std::string key = databaseKey(text::toUpper(type), sDbName.toText(), sPhyPath.toText(), sConnStr.toText());
   if (key.empty()) return;
-  setCurDBName(key);
-  loadKeywords(*this);
+  project.setCurDBName(key);
+  loadKeywords(project);
   const bool componentRoad = takesComponentRoad(type);
-  if (!componentRoad) Status().ShowStatus(hwnd(), std::string(vars.StatusTitle.size(), ' ') + vars.StatusTitle);
+  if (!componentRoad) Status().ShowStatus(project.hwnd(), std::string(vars.StatusTitle.size(), ' ') + vars.StatusTitle);
   const std::string pendingError = vars.ProjErr;
   vars.ProjErr = "";
-  Ref<AGPDatabase> db = addDatabase(key);
+  Ref<AGPDatabase> db = project.addDatabase(key);
   vars.ProjErr = pendingError;
-  copyLoadSettings(*this);
+  copyLoadSettings(project);
 
   std::int16_t status;
   {
@@ -115,8 +113,8 @@ void AGP::LoadDB(const Variant& sDbName, const Variant& sDbType, [[maybe_unused]
   }
   if (!componentRoad) Status().CloseStatus();
   if (status != schema::kLoadOk) {
-    databases()->Delete(Variant(key));
-    setCurDBName("");
+    project.databases()->Delete(Variant(key));
+    project.setCurDBName("");
     if (vars.ProjErr.empty()) vars.ProjErr = "Load Database failed!";
     return;
   }
@@ -124,9 +122,9 @@ void AGP::LoadDB(const Variant& sDbName, const Variant& sDbType, [[maybe_unused]
   vars.Dirty = true;  // a new database: the bulk load kept the flag as it was
 }
 
-void AGP::LoadTable(const std::string& sTableName) {
+void LoadTable(Project& project, const std::string& sTableName) {
   AGPVarsData& vars = AGPVars();
-  Ref<AGPDatabase> db = DB();
+  Ref<AGPDatabase> db = project.DB();
   if (!db) {
     vars.ProjErr = vars.ProductName + ": Database not loaded!";
     return;
@@ -145,8 +143,8 @@ void AGP::LoadTable(const std::string& sTableName) {
     added.setAttr("TblGen", Variant(false));
     added.setAttr("TblLoaded", Variant(false));
   }
-  loadKeywords(*this);
-  copyLoadSettings(*this);
+  loadKeywords(project);
+  copyLoadSettings(project);
   const std::string type = db->attrText("DBType");
   const bool componentRoad = takesComponentRoad(type);
   const std::int16_t status = loadThroughRoad(

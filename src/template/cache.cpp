@@ -207,7 +207,7 @@ std::string CacheDateText(const Variant& dt) {
   if (dt.type() == VarType::Date) date = dt.dbl();
   if (dt.isString()) date = parseDate(dt.string());
   if (!date) return dt.toText();
-  const DateParts p = splitDate(*date);
+  const clock::DateParts p = clock::splitDate(*date);
   std::tm time{};
   time.tm_year = p.year - 1900;
   time.tm_mon = p.month - 1;

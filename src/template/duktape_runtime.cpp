@@ -1,5 +1,6 @@
 #include "template/duktape_runtime.h"
 
+#include "platform/clock.h"
 #include "template/activex.h"
 #include "template/duktape_heap.h"
 #include "template/duktape_native.h"
@@ -265,7 +266,7 @@ void defineGlobal(duk_context* ctx, std::string_view name) {
 }
 
 void pushDate(duk_context* ctx, double oaDate) {
-  const DateParts parts = splitDate(oaDate);
+  const clock::DateParts parts = clock::splitDate(oaDate);
   /* [ ... ] -> [ ... newDate y m d h min s ] -> [ ... date ] */
   DukHeap::of(ctx).push(ctx, Slot::NewDate);
   for (int part : {parts.year, parts.month, parts.day, parts.hour, parts.minute, parts.second})
@@ -289,7 +290,7 @@ std::optional<Variant> dateAt(duk_context* ctx, duk_idx_t idx) {
   int part[6];
   for (duk_uarridx_t k = 0; k < 6; ++k)
     part[k] = static_cast<int>(numberItem(ctx, -1, k).value_or(0));
-  return Variant::date(makeDate({part[0], part[1], part[2], part[3], part[4], part[5]}));
+  return Variant::date(clock::makeDate({part[0], part[1], part[2], part[3], part[4], part[5]}));
 }
 
 ThrownValue describeThrown(duk_context* ctx, duk_idx_t idx) {

@@ -221,4 +221,14 @@ const MemberTable& AGScript::members() const {
 AGScript* GenerationScript() { return static_cast<AGScript*>(AGPVars().Script.get()); }
 AGScript* ParseScriptHost() { return static_cast<AGScript*>(AGPVars().ParseScriptHost.get()); }
 
+// A project is useless without its script host: a ScriptEngine setting that
+// names an engine we cannot run stops a load or a run before it begins.
+// Files and XML need no probe here: they are part of the engine itself.
+bool CreateRuntimeObjects() {
+  AGPVarsData& vars = AGPVars();
+  vars.ProjErr.clear();
+  { auto probe = make<AGScript>(); }
+  return vars.ProjErr.empty();
+}
+
 }  // namespace bw

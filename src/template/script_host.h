@@ -94,4 +94,8 @@ class AGScript : public Dispatch {
 AGScript* GenerationScript();
 AGScript* ParseScriptHost();
 
+// Probes the script host that a load or a run needs; false with ProjErr set
+// when one cannot be made.
+bool CreateRuntimeObjects();
+
 }  // namespace bw

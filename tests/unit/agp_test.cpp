@@ -1,13 +1,13 @@
-#include "core/agp.h"
+#include "project/agp.h"
 
 #include <cstdlib>
 #include <filesystem>
 
 #include "core/agp_vars.h"
 #include "core/databases.h"
+#include "core/keywords.h"
 #include "core/registry.h"
 #include "support/engine_test.h"
-#include "template/keywords.h"
 
 namespace bw {
 namespace {

@@ -11,13 +11,13 @@
 #include <string_view>
 #include <vector>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/databases.h"
 #include "core/fields.h"
 #include "core/tables.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 #include "template/controls.h"
 #include "template/file_cache.h"
@@ -118,7 +118,7 @@ class BasicTemplateTest : public testing::EngineTest {
     AGPVars().Script = script;
     script->Initialize(project, project->DB(), project->ControlList(), {}, {}, {},
                        Variant(project->ProgramLanguage()), {}, {});
-    project->LoadTemplateScripts();
+    project->projectTemplate().LoadTemplateScripts();
     ASSERT_EQ(AGPVars().ProjErr, "");
   }
 
@@ -136,8 +136,8 @@ class BasicTemplateTest : public testing::EngineTest {
   // Composes the control and runs its function in the host.
   std::string generate(AGPControl& ctrl) {
     const std::string scriptFile = tempPath("cache/" + ctrl.CtrlID + ctrl.CtrlTagExt + ".tpl");
-    project->ComposeControl(ctrl, scriptFile);
-    const std::string output = script->BuildNewCode(project->ControlFunctionId(ctrl),
+    project->projectTemplate().ComposeControl(ctrl, scriptFile);
+    const std::string output = script->BuildNewCode(project->projectTemplate().ControlFunctionId(ctrl),
                                                     files::readTextFile(scriptFile), 2, 60000);
     EXPECT_EQ(AGPVars().ProjErr, "") << ctrl.CtrlID << ctrl.CtrlTagExt;
     return output;
@@ -292,7 +292,7 @@ TEST_F(BasicTemplateTest, VisualBasicProjectsTakeTheVbFilesForTheWildcard) {
   makeTableCurrent("Categories");
   Ref<AGPControl> info = control("info");
   EXPECT_EQ(info->CtrlOExt, "vb");
-  EXPECT_EQ(project->ControlFunctionId(*info), "ztEx_vb_info");
+  EXPECT_EQ(project->projectTemplate().ControlFunctionId(*info), "ztEx_vb_info");
   const std::string page = generate(*info);
   EXPECT_THAT(page, StartsWith("Partial Public Class Categories_info\r\n"));
   EXPECT_THAT(page, HasSubstr("Public Const CategoryName As String = \"CategoryName\""));

@@ -7,6 +7,7 @@
 #include <regex>
 
 #include "core/agp_vars.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "support/engine_test.h"
 
@@ -33,7 +34,7 @@ class CacheTest : public testing::EngineTest {
   }
 
   static Variant date(int y, int m, int d, int h, int n, int s) {
-    return Variant::date(makeDate({y, m, d, h, n, s}));
+    return Variant::date(clock::makeDate({y, m, d, h, n, s}));
   }
 };
 
@@ -190,7 +191,7 @@ TEST_F(CacheTest, AFailedWriteIsReportedUnlessAnErrorStands) {
 }
 
 TEST(CacheDateText, WritesDatesInTheNormalFormAndOtherValuesAsTheyAre) {
-  EXPECT_EQ(CacheDateText(Variant::date(makeDate({987, 3, 4, 5, 6, 7}))), "0987/03/04 05:06:07");
+  EXPECT_EQ(CacheDateText(Variant::date(clock::makeDate({987, 3, 4, 5, 6, 7}))), "0987/03/04 05:06:07");
   EXPECT_EQ(CacheDateText(Variant("2024-5-6 7:08:09")), "2024/05/06 07:08:09");
   EXPECT_EQ(CacheDateText(Variant("yesterday")), "yesterday");
   EXPECT_EQ(CacheDateText(Variant(45000)), "45000");

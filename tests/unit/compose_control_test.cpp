@@ -2,16 +2,16 @@
 // the composed function written to the cache folder and run by a real host.
 #include <cstdlib>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/databases.h"
 #include "core/generation_error.h"
 #include "core/registry.h"
-#include "generation/output_files.h"
 #include "platform/files.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 #include "template/controls.h"
 #include "template/file_cache.h"
+#include "template/output_file.h"
 #include "template/script_host.h"
 
 namespace bw {
@@ -50,7 +50,7 @@ class ComposeControlTest : public testing::EmptySettingsTest {
   // Composes control `index` into the cache folder and gives the path.
   std::string compose(int index) {
     const std::string out = tempPath("cache/out.tpl");
-    project->ComposeControl(*control(index), out);
+    project->projectTemplate().ComposeControl(*control(index), out);
     return out;
   }
 
@@ -60,7 +60,7 @@ class ComposeControlTest : public testing::EmptySettingsTest {
     AGPVars().Script = script;
     script->Initialize(project, {}, project->ControlList(), {}, {}, {}, Variant("C#"), {}, {});
     EXPECT_EQ(AGPVars().ProjErr, "");
-    return script->BuildNewCode(project->ControlFunctionId(*control(index)),
+    return script->BuildNewCode(project->projectTemplate().ControlFunctionId(*control(index)),
                                 files::readTextFile(scriptFile), 2, 10000);
   }
 
@@ -112,7 +112,7 @@ TEST_F(ComposeControlTest, FixedSessionTypesCallTheTemplatesOwnFunctions) {
   auto script = make<AGScript>();
   AGPVars().Script = script;
   script->Initialize(project, {}, project->ControlList(), {}, {}, {}, Variant("C#"), {}, {});
-  project->LoadTemplateScripts();
+  project->projectTemplate().LoadTemplateScripts();
   ASSERT_EQ(AGPVars().ProjErr, "");
   EXPECT_TRUE(script->ModuleExist(Variant("register")));
   EXPECT_EQ(script->BuildNewCode("ztEx_cs_x", files::readTextFile(out), 2, 10000),
@@ -138,8 +138,8 @@ TEST_F(ComposeControlTest, ShownSessionsAndTimesAreMarkedInTheFunction) {
 TEST_F(ComposeControlTest, SeveralSourceFilesAreJoinedInTheCacheFolder) {
   writeTemplate("a.htm", "A");
   writeTemplate("b.htm", "B");
-  EXPECT_EQ(project->ControlSourcePath("a.htm", ""), tempPath("template") + "\\a.htm");
-  const std::string joined = project->ControlSourcePath("a.htm,missing.htm,b.htm", "");
+  EXPECT_EQ(project->projectTemplate().ControlSourcePath("a.htm", ""), tempPath("template") + "\\a.htm");
+  const std::string joined = project->projectTemplate().ControlSourcePath("a.htm,missing.htm,b.htm", "");
   EXPECT_EQ(joined, tempPath("cache") + "\\~tmp.tpl");
   EXPECT_EQ(files::readTextFile(joined), "AB");
   EXPECT_EQ(AGPVars().CurrentTemplateFolder, tempPath("template"));
@@ -147,9 +147,9 @@ TEST_F(ComposeControlTest, SeveralSourceFilesAreJoinedInTheCacheFolder) {
 
 TEST_F(ComposeControlTest, FunctionIdsNameLanguageControlAndTag) {
   loadControls(R"(<control id="list.x" type="table" tagext=".cs" ifiles="l.htm" />)");
-  EXPECT_EQ(project->ControlFunctionId(*control(1)), "ztEx_cs_list_x_cs");
+  EXPECT_EQ(project->projectTemplate().ControlFunctionId(*control(1)), "ztEx_cs_list_x_cs");
   project->setProgramLanguage("VB");
-  EXPECT_EQ(project->ControlFunctionId(*control(1)), "ztEx_vb_list_x_cs");
+  EXPECT_EQ(project->projectTemplate().ControlFunctionId(*control(1)), "ztEx_vb_list_x_cs");
 }
 
 TEST_F(ComposeControlTest, FailuresStopTheRunWithTheirMessages) {
@@ -185,13 +185,13 @@ TEST_F(ComposeControlTest, FailuresStopTheRunWithTheirMessages) {
             AGPVars().ProjErr.substr(sessionPath.size()) + "\r\n");
 
   AGPVars().ProjErr.clear();
-  project->LoadTemplateScripts();
+  project->projectTemplate().LoadTemplateScripts();
   EXPECT_EQ(AGPVars().ProjErr,
             "Brindlework: Script file does not exist - \"nowhere.js\"! Check if correct template.");
 }
 
 TEST_F(ComposeControlTest, ConditionsReadTheCurrentDatabaseTableAndField) {
-  EXPECT_TRUE(project->EvalCondition("table/TblCaption/eq/x")) << "no current table: holds";
+  EXPECT_TRUE(project->projectTemplate().EvalCondition("table/TblCaption/eq/x")) << "no current table: holds";
   Ref<AGPDatabase> db = project->addDatabase("shop.db");
   ASSERT_TRUE(db->Tables()->Add("orders"));
   AGPTable* orders = db->Tables()->table("orders");
@@ -202,11 +202,11 @@ TEST_F(ComposeControlTest, ConditionsReadTheCurrentDatabaseTableAndField) {
   project->setCurrentTable(Ref<AGPTable>(orders));
   orders->Fields()->SetItem(Variant("total"));
 
-  EXPECT_TRUE(project->EvalCondition("db/DBName/eq/shop.db, table/TblCaption/eq/Orders"));
-  EXPECT_FALSE(project->EvalCondition("table/TblCaption/ne/Orders"));
-  EXPECT_TRUE(project->EvalCondition("field/FldCaption/eq/Total|Sum"));
+  EXPECT_TRUE(project->projectTemplate().EvalCondition("db/DBName/eq/shop.db, table/TblCaption/eq/Orders"));
+  EXPECT_FALSE(project->projectTemplate().EvalCondition("table/TblCaption/ne/Orders"));
+  EXPECT_TRUE(project->projectTemplate().EvalCondition("field/FldCaption/eq/Total|Sum"));
   orders->Fields()->SetItem(Variant("id"));
-  EXPECT_FALSE(project->EvalCondition("field/FldCaption/eq/Total|Sum"));
+  EXPECT_FALSE(project->projectTemplate().EvalCondition("field/FldCaption/eq/Total|Sum"));
 }
 
 TEST_F(ComposeControlTest, OutputFilesCarryAByteOrderMarkOnlyWhenAsked) {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "platform/files.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 #include "template/code_base.h"
 #include "template/user_script.h"

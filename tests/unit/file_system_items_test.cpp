@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "support/automation_expect.h"
 #include "support/engine_test.h"
@@ -40,7 +41,7 @@ double localOleDate(std::chrono::system_clock::time_point when) {
   const std::time_t seconds = std::chrono::system_clock::to_time_t(when);
   std::tm t{};
   localtime_r(&seconds, &t);
-  return makeDate({t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec});
+  return clock::makeDate({t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec});
 }
 
 TEST_F(FileSystemItemsTest, AFileReportsItsNameSizeTypeAndParent) {

@@ -8,14 +8,14 @@
 #include <map>
 #include <set>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/control_items.h"
 #include "core/registry.h"
 #include "core/tables.h"
-#include "generation/control_items.h"
 #include "platform/files.h"
 #include "platform/progress_sink.h"
 #include "platform/text.h"
+#include "project/agp.h"
 #include "support/archive_writer.h"
 #include "support/engine_test.h"
 

@@ -7,18 +7,18 @@
 
 #include <pugixml.hpp>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
+#include "core/control_items.h"
 #include "core/fields.h"
 #include "core/registry.h"
 #include "core/tables.h"
-#include "generation/control_items.h"
 #include "generation/generation.h"
 #include "language/phrase_store.h"
 #include "persistence/menus.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/xml.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 #include "template/controls.h"
 
@@ -60,7 +60,7 @@ class LanguageFileOutputTest : public testing::EngineTest {
     const std::string path = writeTempFile("lang/german.xml", source);
     Language().ResetFiles();
     EXPECT_TRUE(Language().Load(path));
-    Generation generation(*project);
+    Generation generation(*project, project->projectTemplate());
     return generation.CreateLanguageFile("@lang_german.xml", "Creating language file german.xml...",
                                          "Create language file", path, "lang", "german.xml", check,
                                          multiLanguage, false);
@@ -306,7 +306,7 @@ TEST_F(LanguageFileOutputTest, CheckModeRegistersTheChoiceAndWritesNothing) {
 }
 
 TEST_F(LanguageFileOutputTest, AMissingOrBrokenSourceIsPassedOverInSilence) {
-  Generation generation(*project);
+  Generation generation(*project, project->projectTemplate());
   EXPECT_FALSE(generation.CreateLanguageFile("@lang_x.xml", "", "", "", "lang", "x.xml", false,
                                              false, false));
   EXPECT_FALSE(generation.CreateLanguageFile("@lang_x.xml", "", "", tempPath("lang/x.xml"), "lang",

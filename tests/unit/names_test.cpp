@@ -1,8 +1,8 @@
 #include "core/names.h"
 
 #include "core/agp_vars.h"
+#include "core/keywords.h"
 #include "support/engine_test.h"
-#include "template/keywords.h"
 
 namespace bw {
 namespace {

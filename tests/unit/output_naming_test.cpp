@@ -5,7 +5,6 @@
 
 #include <filesystem>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/fields.h"
 #include "core/registry.h"
@@ -13,6 +12,7 @@
 #include "generation/generation.h"
 #include "generation/output_files.h"
 #include "platform/files.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 #include "template/controls.h"
 
@@ -70,7 +70,7 @@ TEST_F(OutputNamingTest, NamesFilesByTypeAndProjectSettings) {
   ASSERT_TRUE(db->Tables()->Add("Orders"));
   db->Tables()->table("Orders")->setAttr("TblVar", Variant("Orders"));
   project->setCurrentTable(refTo(db->Tables()->table("Orders")));
-  Generation generation(*project);
+  Generation generation(*project, project->projectTemplate());
   EXPECT_EQ(generation.OutputFileName(control("list"), "Orders", ""), "orders_list.cs");
   EXPECT_EQ(generation.OutputFileName(control("custom"), "", ""), "orders.cs");
   EXPECT_EQ(generation.OutputFileName(control("menu"), "", ""), "menu.html");
@@ -85,7 +85,7 @@ TEST_F(OutputNamingTest, NamesFilesByTypeAndProjectSettings) {
 }
 
 TEST_F(OutputNamingTest, PlacesFilesUnderTheSiteOrItsRootFolder) {
-  Generation generation(*project);
+  Generation generation(*project, project->projectTemplate());
   EXPECT_EQ(generation.JoinOutputFolder("_css", "parts"), "styles/parts");
   EXPECT_EQ(generation.JoinOutputFolder("", "parts"), "parts");
   EXPECT_EQ(generation.JoinOutputFolder("_none", "parts"), "parts");
@@ -112,14 +112,14 @@ TEST_F(OutputNamingTest, VariablesThatWouldCollideInGeneratedCodeAreRenamed) {
   }
   tables.table("orders_list")->Fields()->at(0).setAttr("FldVar", Variant("x_orders"));
 
-  Generation(*project).MakeVarsUnique(*tables.table("orders_list"));
+  Generation(*project, project->projectTemplate()).MakeVarsUnique(*tables.table("orders_list"));
   AGPTable& second = *tables.table("orders_list");
   EXPECT_EQ(second.attrText("TblVar"), "orders_list_zz") << "orders + _ + the control id list";
   EXPECT_EQ(db->attrText("DBVar"), "orders_list") << "free once the table was renamed";
-  Generation(*project).MakeVarsUnique(*tables.table("orders_list"));
+  Generation(*project, project->projectTemplate()).MakeVarsUnique(*tables.table("orders_list"));
   EXPECT_EQ(static_cast<AGPField&>(second.Fields()->at(0)).attrText("FldVar"), "x_orders");
   db->setAttr("DBVar", Variant("orders_list_zz"));
-  Generation(*project).MakeVarsUnique(second);
+  Generation(*project, project->projectTemplate()).MakeVarsUnique(second);
   EXPECT_EQ(db->attrText("DBVar"), "orders_list_zz_1");
 }
 

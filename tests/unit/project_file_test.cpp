@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/databases.h"
 #include "core/registry.h"
@@ -14,6 +13,7 @@
 #include "persistence/menus.h"
 #include "persistence/project_load.h"
 #include "platform/files.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 #include "template/custom_scripts.h"
 

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 
 namespace bw {

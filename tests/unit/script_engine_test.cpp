@@ -9,6 +9,7 @@
 
 #include "core/properties.h"
 #include "core/super_collection.h"
+#include "platform/clock.h"
 #include "support/engine_test.h"
 #include "template/dictionary.h"
 #include "template/duktape_engine.h"
@@ -131,7 +132,7 @@ TEST_F(ScriptEngineTest, ResultsOfEveryTypeCrossAsVariants) {
 
   const Variant date = eval("new Date(2024, 0, 15, 10, 30, 5)");
   ASSERT_EQ(date.type(), VarType::Date);
-  const DateParts parts = splitDate(date.dbl());
+  const clock::DateParts parts = clock::splitDate(date.dbl());
   EXPECT_EQ(
       (std::vector{parts.year, parts.month, parts.day, parts.hour, parts.minute, parts.second}),
       (std::vector{2024, 1, 15, 10, 30, 5}));
@@ -162,7 +163,7 @@ TEST_F(ScriptEngineTest, ArgumentsArriveAsScriptValues) {
       "}\n"
       "function dayOf(d) { return d.getFullYear() + '-' + (d.getMonth() + 1) + '-' + d.getDate() + "
       "' ' + d.getHours(); }");
-  const Variant date = Variant::date(makeDate({1999, 12, 31, 23, 0, 0}));
+  const Variant date = Variant::date(clock::makeDate({1999, 12, 31, 23, 0, 0}));
   EXPECT_EQ(run("types", {Variant(), Variant::null(), Variant(true), Variant(std::int16_t{7}),
                           Variant(1.5f), Variant("x"), date, Variant::array({Variant(1)})})
                 .toText(),

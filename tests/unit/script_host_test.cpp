@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/registry.h"
 #include "platform/files.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 
 namespace bw {

@@ -1,10 +1,10 @@
 #include "core/agp_vars.h"
+#include "core/keywords.h"
 #include "core/registry.h"
+#include "core/settings_file.h"
 #include "support/engine_test.h"
 #include "template/app_settings.h"
 #include "template/filter.h"
-#include "template/keywords.h"
-#include "template/settings_file.h"
 
 namespace bw {
 namespace {

@@ -7,11 +7,11 @@
 
 #include <filesystem>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/fields.h"
 #include "core/tables.h"
 #include "platform/files.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 
 namespace bw {

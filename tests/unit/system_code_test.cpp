@@ -8,13 +8,13 @@
 #include <utility>
 #include <vector>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/automation_error.h"
 #include "core/registry.h"
 #include "core/status.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "project/agp.h"
 #include "support/engine_test.h"
 #include "template/list_enumerator.h"
 #include "template/script_host.h"

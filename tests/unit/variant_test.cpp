@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/clock.h"
+
 namespace bw {
 namespace {
 
@@ -62,7 +64,7 @@ TEST(VariantConversion, DatesRoundTripThroughText) {
   EXPECT_EQ(parseDate("0:0:0"), 0.0);
   EXPECT_EQ(parseDate("2/30/2026"), std::nullopt);
   EXPECT_EQ(parseDate("12:61"), std::nullopt);
-  DateParts p = splitDate(-1.25);  // before the epoch the fraction still counts forward
+  clock::DateParts p = clock::splitDate(-1.25);  // before the epoch the fraction still counts forward
   EXPECT_EQ(p.day, 29);
   EXPECT_EQ(p.hour, 6);
   EXPECT_EQ(Variant::date(*d).toText(), "11/23/2026 2:05:09 PM");

@@ -1,21 +1,18 @@
-// Composition of a control into its script function, and the other steps of
-// a generation run that stand between the control file and the script host.
+#include "template/project_template.h"
+
 #include <string>
 #include <vector>
 
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/databases.h"
 #include "core/generation_error.h"
 #include "core/registry.h"
 #include "core/status.h"
-#include "generation/output_files.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/text.h"
-#include "template/composition.h"
 #include "template/conditions.h"
-#include "template/controls.h"
+#include "template/output_file.h"
 #include "template/parser.h"
 #include "template/script_host.h"
 #include "template/template_folders.h"
@@ -99,20 +96,31 @@ void appendSessionTime(Composer& compose, const std::string& name) {
 
 }  // namespace
 
-bool AGP::EvalCondition(const std::string& cond) {
+ProjectTemplate::ProjectTemplate(Project& project)
+    : project_(project), controls_(make<AGPControls>()) {}
+
+ProjectTemplate::~ProjectTemplate() = default;
+
+Composer& ProjectTemplate::composer() {
+  if (!composer_ || composer_->language() != AGPVars().ScriptLanguage)
+    composer_ = std::make_unique<Composer>(AGPVars().ScriptLanguage);
+  return *composer_;
+}
+
+bool ProjectTemplate::EvalCondition(const std::string& cond) {
   AGScript* script = GenerationScript();
   ConditionContext context{
-      .project = *properties_,
-      .getV = [this](const std::string& name) { return GetV(name); },
-      .controls = controlList_.get(),
+      .project = *project_.Properties(),
+      .getV = [this](const std::string& name) { return project_.GetV(name); },
+      .controls = controls_.get(),
   };
   // The generation run makes a table current, and a field by moving the
   // table's field cursor to it.
-  const Ref<AGPDatabase> db = DB();
+  const Ref<AGPDatabase> db = project_.DB();
   if (db) context.database = &db->bag();
-  if (currentTable_) {
-    context.table = &currentTable_->bag();
-    AGPFields& fields = *currentTable_->Fields();
+  if (const Ref<AGPTable>& table = project_.currentTable()) {
+    context.table = &table->bag();
+    AGPFields& fields = *table->Fields();
     if (DefinitionObject* field = fields.find(fields.curName)) context.field = &field->bag();
   }
   if (script)
@@ -122,16 +130,16 @@ bool AGP::EvalCondition(const std::string& cond) {
   return bw::EvalCondition(cond, context);
 }
 
-std::string AGP::ControlFunctionId(const AGPControl& ctrl) {
+std::string ProjectTemplate::ControlFunctionId(const AGPControl& ctrl) {
   std::string id = "ztEx_";
-  id += ProgramLanguage() == "C#" ? "cs" : "vb";
+  id += project_.ProgramLanguage() == "C#" ? "cs" : "vb";
   id += "_" + ctrl.CtrlID + ctrl.CtrlTagExt;
   for (char& c : id)
     if (c == '.') c = '_';
   return id;
 }
 
-std::string AGP::ControlSourcePath(const std::string& ifiles, const std::string& ext) {
+std::string ProjectTemplate::ControlSourcePath(const std::string& ifiles, const std::string& ext) {
   AGPVarsData& vars = AGPVars();
   vars.CurrentTemplateFolder = TemplateFolderOf(ext);
   if (ifiles.find(',') == std::string::npos)
@@ -147,8 +155,7 @@ std::string AGP::ControlSourcePath(const std::string& ifiles, const std::string&
   return path;
 }
 
-
-void AGP::ComposeControl(AGPControl& ctrl, const std::string& sOutFile) {
+void ProjectTemplate::ComposeControl(AGPControl& ctrl, const std::string& sOutFile) {
   AGPVarsData& vars = AGPVars();
   const bool showSession = GeneralFlag("ShowSession");
   const bool showTime = GeneralFlag("ShowSessionTime");
@@ -185,11 +192,11 @@ void AGP::ComposeControl(AGPControl& ctrl, const std::string& sOutFile) {
                   compose.functionText(ControlFunctionId(ctrl), FunctionForm::Control, showTime));
 }
 
-void AGP::LoadTemplateScripts() {
+void ProjectTemplate::LoadTemplateScripts() {
   AGPVarsData& vars = AGPVars();
   AGScript* script = GenerationScript();
-  for (std::int32_t k = 1; k <= controlList_->Count(); ++k) {
-    const Ref<AGPControl> ctrl = controlList_->Item(Variant(k));
+  for (std::int32_t k = 1; k <= controls_->Count(); ++k) {
+    const Ref<AGPControl> ctrl = controls_->Item(Variant(k));
     if (ctrl->CtrlType != "function" || !EvalCondition(ctrl->CtrlCond)) continue;
     vars.CurrentTemplateFolder = TemplateFolderOf(ctrl->CtrlExt);
     std::string file;

@@ -1,4 +1,4 @@
-#include "template/keywords.h"
+#include "core/keywords.h"
 
 #include "core/agp_vars.h"
 #include "core/registry.h"

@@ -1,4 +1,4 @@
-#include "core/agp.h"
+#include "project/agp.h"
 
 #include <pugixml.hpp>
 
@@ -10,32 +10,29 @@
 #include "core/status.h"
 #include "extensions/extensions.h"
 #include "language/phrase_store.h"
+#include "persistence/defaults.h"
 #include "persistence/machine_defaults.h"
+#include "persistence/master_details.h"
 #include "persistence/menus.h"
+#include "persistence/project_reader.h"
+#include "persistence/project_writer.h"
 #include "platform/files.h"
-#include "platform/hash.h"
 #include "platform/text.h"
 #include "platform/xml.h"
+#include "project/store_links.h"
+#include "schema/load_db.h"
 #include "template/code_base.h"
 #include "template/composition.h"
-#include "template/controls.h"
 #include "template/custom_scripts.h"
-#include "template/settings_file.h"
 
 namespace bw {
 
 // Construction. The interface language needs no setting here: the engine's
 // messages are English on every platform.
-AGP::AGP()
-    : properties_(make<AGProperties>(ProjectLayout())),
-      controlList_(make<AGPControls>()),
-      controlItems_(make<AGControlItems>()),
-      databases_(make<AGPDatabases>()) {
+AGP::AGP() : template_(*this) {
   AGPVarsData& vars = AGPVars();
-  setAttr("ProjID", Status().GetGUID());
-
-  appVersion_ = AppVersionText();
-  vars.ProductVersion = appVersion_.substr(0, appVersion_.rfind('.'));
+  vars.definitionListener = std::make_shared<StoreLinks>();
+  vars.ProductVersion = AppVersion().substr(0, AppVersion().rfind('.'));
   vars.ProjectVersion = vars.ProductVersion;
   vars.TemplateVersion = vars.ProductVersion;
   vars.ProjectFile.clear();
@@ -65,7 +62,6 @@ AGP::AGP()
   if (!engine.empty()) vars.ScriptLanguage = engine;
 
   loadThemeDefaults();
-  templateExt_ = "tpl";
   // Nothing the user did has changed yet: the values above are the starting
   // point, theme styles included.
   vars.Dirty = false;
@@ -105,96 +101,40 @@ void AGP::applyThemeFile(const std::string& path) {
 void AGP::AddProj(const std::string& projectName) {
   setProjName(projectName);
   LoadDefault();
-  projInit_ = true;
+  setProjInit(true);
 }
 
 // The stores of menus, phrases and extensions are emptied when the database
 // is unloaded, not here; deleting the database takes its tables' entries.
 void AGP::DeleteProj() {
-  properties_->reset(ProjectLayout());
-  std::vector<std::string> names;
-  for (std::int32_t position = 1; position <= databases_->Count(); ++position)
-    names.push_back(databases_->Item(Variant(position))->DBName());
-  for (const std::string& name : names) databases_->Delete(Variant(name));
-  curDBName_.clear();
-  projInit_ = false;
+  clear();
+  setProjInit(false);
 }
 
-Ref<AGPDatabase> AGP::DB() const {
-  AGPDatabase* db = databases_->database(curDBName_);
-  return db ? refTo(db) : nullptr;
+void AGP::LoadDefault() { bw::LoadDefault(*this); }
+void AGP::SaveDefault() { bw::SaveDefault(*this); }
+
+// Comparing with the live database (Sync with AutoSync) arrives with
+// synchronization; a load never connects yet.
+void AGP::Load(const std::string& projFile, bool /*Sync*/) { LoadProjectFile(*this, projFile); }
+void AGP::Save(const std::string& projFile) { SaveProjectFile(*this, projFile); }
+bool AGP::CheckSequences() { return bw::CheckSequences(*this); }
+
+void AGP::LoadDB(const Variant& sDbName, const Variant& sDbType, const Variant& sPath,
+                 const Variant& sPhyPath, const Variant& bDBUseServerMapPath, const Variant& sUID,
+                 const Variant& sPwd, const Variant& sConnStr, const Variant& sSchema) {
+  bw::LoadDB(*this, sDbName, sDbType, sPath, sPhyPath, bDBUseServerMapPath, sUID, sPwd, sConnStr,
+             sSchema);
 }
 
-Ref<AGPDatabase> AGP::addDatabase(const std::string& name) {
-  databases_->Add(name);
-  if (!AGPVars().ProjErr.empty()) return {};
-  curDBName_ = name;
-  return DB();
-}
+void AGP::LoadTable(const std::string& sTableName) { bw::LoadTable(*this, sTableName); }
 
 Ref<Dispatch> AGP::MenuList() const { return refTo(&Menus()); }
 Ref<Dispatch> AGP::Extensions() const { return refTo(&bw::Extensions()); }
 Ref<Dispatch> AGP::Language() const { return refTo(&bw::Language()); }
 Ref<Dispatch> AGP::customscripts() const { return refTo(&CustomScripts()); }
-
-Variant AGP::GetV(const std::string& name) {
-  if (auto slot = properties_->find(name))
-    return ConvertSetting(properties_->valueAt(*slot), properties_->defAt(*slot).dataType);
-  Variant fallback = Settings().LoadSettingValue("Project", name);
-  if (fallback.isEmpty() || fallback.isNull()) return Variant("");
-  properties_->add(AttributeDef{name, Settings().LoadSettingType("Project", name)});
-  properties_->setValueAt(properties_->size() - 1, fallback);
-  return fallback;
-}
-
-Variant AGP::SetV(const std::string& name, const Variant& value) {
-  if (auto slot = properties_->find(name)) {
-    properties_->setValueAt(*slot, ConvertSetting(value, properties_->defAt(*slot).dataType));
-  } else {
-    properties_->add(AttributeDef{name, Settings().LoadSettingType("Project", name)});
-    properties_->setValueAt(properties_->size() - 1, value);
-  }
-  return Variant();
-}
-
-Variant AGP::typedAttr(std::string_view name) {
-  std::size_t slot = properties_->ensure(name);
-  return CoerceOrZero(properties_->valueAt(slot), properties_->kindAt(slot));
-}
-
-void AGP::setProjName(const std::string& name) {
-  setAttr("ProjName", Variant(name));
-  const std::string var = MakeVarName(name, "");
-  setAttr("ProjVar", Variant(var));
-  AGPVars().ProjVar = var;
-}
-
-// Reserved words differ by language, so a loaded database's variable names
-// are rebuilt when the language changes.
-void AGP::setProgramLanguage(const std::string& language) {
-  setAttr("ProgramLanguage", Variant(language));
-  AGPVars().ProgramLanguage = language;
-  if (Ref<AGPDatabase> db = DB()) db->Tables()->rebuildVariableNames();
-}
-
-void AGP::setAppCompatVersion(const Variant& value) {
-  Variant converted = CoerceOrZero(value, DataKind::Integer);
-  setAttr("AppCompatVersion", converted);
-  AGPVars().AppCompatVersion = converted;
-}
-
-void AGP::setDestination(const std::string& folder) {
-  setAttr("Destination", Variant(folder));
-  AGPVars().Destination = folder;
-}
-
-std::string AGP::SecPasswdEncript() {
-  const std::string password = attrText("SecPasswd");
-  const std::string format = text::toLower(attrText("PasswordFormat"));
-  if (format == "sha1") return hash::sha1Hex(password);
-  if (format == "md5") return hash::md5Hex(password);
-  return password;
-}
+Ref<Dispatch> AGP::MasterDetails() const { return refTo(&bw::MasterDetails()); }
+Ref<Dispatch> AGP::CodeBase() const { return refTo(&bw::CodeBase()); }
 
 Variant AGP::ReadRegValue(const Variant& sClass, const Variant& sSection, const Variant& sKey) {
   const bool machine = text::iequals(sClass.toText(), "hklm");
@@ -211,6 +151,7 @@ bool AGP::IsDirty() const { return AGPVars().Dirty; }
 std::string AGP::ProjErr() const { return AGPVars().ProjErr; }
 void AGP::setProjErr(const std::string& text) { AGPVars().ProjErr = text; }
 std::string AGP::FldSrchOprs(std::int16_t adoType) const { return bw::FldSrchOprs(adoType); }
+void AGP::BringToFront() { Status().BringStatusToFront(); }
 
 // ---------------------------------------------------------------------------
 // Custom scripts and the code base
@@ -248,12 +189,12 @@ bool AGP::DeleteCustomScript(const std::string& sScriptType, const std::string& 
 
 std::string AGP::LoadCodeBase(const std::string& sScriptType, const std::string& sCodeType,
                               const std::string& sName, const std::string& sLanguage) {
-  return CodeBase().CodeSource(sScriptType, sCodeType, sName, sLanguage);
+  return bw::CodeBase().CodeSource(sScriptType, sCodeType, sName, sLanguage);
 }
 
 bool AGP::CodeBaseExist(const std::string& sScriptType, const std::string& sCodeType,
                         const std::string& sName, const std::string& sLanguage) {
-  return CodeBase().CodeExist(sScriptType, sCodeType, sName, sLanguage);
+  return bw::CodeBase().CodeExist(sScriptType, sCodeType, sName, sLanguage);
 }
 
 // The file is read on every call, so that the host shows the code base as
@@ -265,7 +206,7 @@ std::string AGP::LoadCustomScriptCode(const std::string& sScriptType, const std:
   AGPVars().ProjErr.clear();
   const std::string file = GeneralSetting("CodeBase").toText();
   if (!files::fileExists(file)) return {};
-  CodeBase().Load(Variant(file));
+  bw::CodeBase().Load(Variant(file));
   return TidyOutput("", LoadCodeBase(sScriptType, sCodeType, sName, sLanguage));
 }
 
@@ -293,6 +234,9 @@ MemberTable buildMembers() {
       method<&AGP::AddTrace>("AddTrace"),
       method<&AGP::IsDirty>("IsDirty"),
       method<&AGP::FldSrchOprs>("FldSrchOprs"),
+      method<&AGP::BringToFront>("BringToFront"),
+      method<&AGP::LoadDB>("LoadDB"),
+      method<&AGP::LoadTable>("LoadTable"),
       property<&AGP::ProjErr, &AGP::setProjErr>("ProjErr"),
       property<&AGP::hwnd, &AGP::setHwnd>("hwnd"),
       property<&AGP::ProjName, &AGP::setProjName>("ProjName"),
@@ -310,6 +254,8 @@ MemberTable buildMembers() {
       property<&AGP::Extensions>("Extensions"),
       property<&AGP::Language>("Language"),
       property<&AGP::customscripts>("customscripts"),
+      property<&AGP::MasterDetails>("MasterDetails"),
+      property<&AGP::CodeBase>("CodeBase"),
       method<&AGP::AddCustomScript>("AddCustomScript"),
       method<&AGP::UpdateCustomScript>("UpdateCustomScript"),
       method<&AGP::DeleteCustomScript>("DeleteCustomScript"),

@@ -1,4 +1,4 @@
-#include "template/settings_file.h"
+#include "core/settings_file.h"
 
 #include "core/agp_vars.h"
 #include "core/conversions.h"

@@ -1,4 +1,4 @@
-#include "generation/control_items.h"
+#include "core/control_items.h"
 
 namespace bw {
 

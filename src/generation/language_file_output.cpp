@@ -25,15 +25,14 @@
 #include <optional>
 #include <pugixml.hpp>
 
-#include "core/agp.h"
+#include "core/control_items.h"
 #include "core/databases.h"
 #include "core/fields.h"
+#include "core/project.h"
 #include "core/registry.h"
 #include "core/status.h"
 #include "core/tables.h"
-#include "generation/control_items.h"
 #include "generation/generation.h"
-#include "generation/output_files.h"
 #include "language/language_file.h"
 #include "language/phrase_store.h"
 #include "persistence/menus.h"
@@ -42,6 +41,7 @@
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/xml.h"
+#include "template/output_file.h"
 
 namespace bw {
 namespace {
@@ -96,7 +96,7 @@ class ProjectSection {
     section_ = appendElement(root, "project");
   }
 
-  void addProjectTexts(AGP& project);
+  void addProjectTexts(Project& project);
   void addMenus();
   void addTables(AGPDatabase& db);
 
@@ -140,7 +140,7 @@ void ProjectSection::addChosen(pugi::xml_node parent, const std::string& name,
   if (!text.empty()) addPhrase(parent, name, text);
 }
 
-void ProjectSection::addProjectTexts(AGP& project) {
+void ProjectSection::addProjectTexts(Project& project) {
   AGProperties& bag = *project.Properties();
   for (const std::string& entry :
        AttributeList(GeneralSetting("LanguageProjectAttributes").toText()))

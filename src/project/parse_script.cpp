@@ -1,11 +1,11 @@
 // AGP::ParseScript: the shortest road from a string of template language
 // through composition and the script host back to a string.
-#include "core/agp.h"
 #include "core/agp_vars.h"
 #include "core/registry.h"
-#include "persistence/master_details.h"
+#include "generation/script_objects.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "project/agp.h"
 #include "template/composition.h"
 #include "template/script_host.h"
 
@@ -20,12 +20,6 @@ void writeParseError(const std::string& textOut) {
 
 }  // namespace
 
-Composer& AGP::composer() {
-  if (!composer_ || composer_->language() != AGPVars().ScriptLanguage)
-    composer_ = std::make_unique<Composer>(AGPVars().ScriptLanguage);
-  return *composer_;
-}
-
 std::string AGP::ParseScript(const std::string& str) {
   AGPVarsData& vars = AGPVars();
   const bool ownsHost = !vars.ParseScriptHost;
@@ -33,8 +27,7 @@ std::string AGP::ParseScript(const std::string& str) {
     auto host = make<AGScript>();
     vars.ParseScriptHost = host;
     // Bound as for a generation run, so that a template behaves the same here.
-    host->Initialize(refTo(this), DB(), ControlList(), Language(), refTo(&MasterDetails()),
-                     customscripts(), attr("ProgramLanguage"), Extensions(), MenuList());
+    BindProjectObjects(*host, *this, projectTemplate());
     if (!host->IsInitialized()) {
       writeParseError("Script object not initialised" + std::string(text::kCrLf) + str);
       vars.ParseScriptHost = {};
@@ -43,7 +36,7 @@ std::string AGP::ParseScript(const std::string& str) {
   }
   AGScript& host = *ParseScriptHost();
 
-  Composer& compose = composer();
+  Composer& compose = projectTemplate().composer();
   compose.reset();
   compose.composeBlocks(str);
   if (!vars.ProjErr.empty()) {
